@@ -14,8 +14,8 @@
     {                                                                                                        \
         if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))                                                  \
             qputenv("QT_QPA_PLATFORM", "offscreen");                                                         \
+        QCoreApplication::setAttribute(Qt::AA_Use96Dpi, true);                                               \
         CVantrelApp app(argc, argv);                                                                         \
-        app.setAttribute(Qt::AA_Use96Dpi, true);                                                             \
         HostControl::resetForTests();                                                                        \
         TestObject tc;                                                                                       \
         QTEST_SET_MAIN_SOURCE_PATH                                                                           \
