@@ -1,0 +1,119 @@
+#pragma once
+// The "Communications" page: the module's single plugin object. The host creates it through the module's
+// plugin entry, shows its list model in the navigation tree and its form on the right, and drives it through
+// IKolPlugin and the view-model base. It owns everything the page shows; drafts, read marks and messages
+// live in the host's services.
+
+#include "AppBroadcastRequest.h"
+#include "CAbstractKolPlugin.h"
+#include "CFilePreviewManager.h"
+#include "CIncidentCommunication.h"
+#include "MessageEntry.h"
+
+#include <QIcon>
+#include <QPersistentModelIndex>
+#include <QPointer>
+#include <QTimer>
+
+#include <memory>
+
+class CNewsFetcher;
+class QStackedWidget;
+
+class CNewsReaderPlugin : public CAbstractKolPlugin
+{
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID IKolPlugin_iid FILE "newsReader.json")
+
+public:
+    // Image names of the page's icon in the host.
+    static constexpr const char* kIconNoNews = "ico-plugin-no-news";
+    static constexpr const char* kIconNews = "ico-plugin-news";
+    static constexpr const char* kIconUrgentNews = "ico-plugin-urgent-news";
+
+    // News filters (host bits): urgent unread news, unread news, unread news together with conversations.
+    static constexpr unsigned kFilterUrgentUnread = 17;
+    static constexpr unsigned kFilterUnread = 16;
+    static constexpr unsigned kFilterUnreadWithIssues = 80;
+
+    // Attention animation modes of the host.
+    static constexpr int kAnimationUrgent = -1;
+    static constexpr int kAnimationNews = 2;
+    // How often the task-bar button flashes when news arrive while the host is in the background.
+    static constexpr unsigned kFlashCount = 10;
+
+    CNewsReaderPlugin();
+    ~CNewsReaderPlugin() override;
+
+    // View-model side.
+    QString getUiFormName() const override;
+    QString getCaption() const override;
+    QIcon getPluginIcon() const override;
+    bool hasPluginView() const override;
+    bool isMessengerModeDisabled() const override;
+    PluginVisibility getPluginVisibility() const override;
+    void onPluginDeactivating() override;
+
+    // IKolPlugin side.
+    QWidget* releaseEmptyListWidget() override;
+    QString getPluginName() const override;
+    void onPluginViewShown() override;
+    QString getTranslationName() const override;
+    QString getTooltip() const override;
+    QString getPluginId() const override;
+    bool hasCustomToolbar() const override;
+
+signals:
+    void pluginDataChanged();
+    void notifyCanSendMessage(bool canSend);
+    void notifyCanComposeNewMessage(bool canCompose);
+
+public slots:
+    void onPluginItemActivated(const QModelIndex& index) override;
+    void onPluginItemSelected(const QModelIndex& index, const QModelIndex& prev) override;
+    bool keepItemSelected() override;
+    void setIsSelected(bool value) override;
+    void onCommunicationReceived(CIncidentCommunication communication);
+    void onCommunicationDeleted(CIncidentCommunication communication);
+    void onWriteUsLinkActivated();
+    void setCurrentIndex(const QModelIndex& index);
+    void onRequestApplicationExit();
+    void onHideNewsEntryClicked(const QModelIndex& index);
+    void onSetWebPageContentFinished(bool ok);
+    void onCommunicationItemsModelPopulated();
+    void onEntryReadStatusChanged(Messenger::MessageEntryPtr entry);
+    void onListItemExpanded(const QModelIndex& index) override;
+    void onListItemCollapsed(const QModelIndex& index) override;
+    void onSyncViewRequest();
+    void onToastClicked();
+    void onSendMessageClicked();
+    void onAddAttachmentClicked();
+    void onAppBroadcastRequest(AppBroadcastRequest id);
+    void onUpdateCurrentIssueMessages(QString incidentId);
+    void onThreadIsBeingEdited(CIncidentCommunication communication, bool isEditing);
+    void onWatchersCacheChanged();
+    void onTypingDataChanged(QString label);
+
+private:
+    void onApplicationEvent(QEvent* event);
+    void connectNewsFetcher();
+    void refreshIcon(bool allowAnimation);
+    void runAttentionRule();
+    bool showNewsSetting() const;
+    bool fetcherHasAny(unsigned filter) const;
+    void onProgressTimeout();
+
+    // Members in the order of their creation; they are released in reverse.
+    QPersistentModelIndex m_currentIndex;
+    QString m_pluginIconName;
+    QIcon m_pluginIcon;
+    QString m_pendingNewsEntryId;
+    QString m_pendingRequestText;
+    CFilePreviewManager m_previewManager;
+    QTimer m_progressTimer;
+    std::shared_ptr<CNewsFetcher> m_newsFetcher;
+    QPointer<QStackedWidget> m_inputAreaStack;
+    QPointer<QWidget> m_emptyListWidget;
+    int m_pendingRequestFlags = 0;
+    bool m_viewSetUp = false;
+};

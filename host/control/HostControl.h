@@ -118,7 +118,8 @@ struct Event
 
 QList<Event> events(const QString& kind = QString());
 void clearEvents();
-// Emits eventRecorded(Event) for every new event (for the reference host's log window).
+// The object that emits eventRecorded(const QString& kind, const QVariantMap& details) for every new event
+// (for the reference host's log window).
 QObject* eventSource();
 
 // Records the requests that `plugin` sends (selection, expand, collapse, editor, toasts, animation,

@@ -1,0 +1,114 @@
+// The module as the host sees it: loaded through QPluginLoader, read through its metadata and meta-object.
+#include "HostTestMain.h"
+
+#include "CAbstractKolPlugin.h"
+#include "IKolPlugin.h"
+
+#include <QDir>
+#include <QJsonObject>
+#include <QMetaMethod>
+#include <QPluginLoader>
+
+class TestPluginModule : public QObject
+{
+    Q_OBJECT
+
+private:
+    static QString modulePath()
+    {
+        return QDir(QStringLiteral(NEWSREADER_PLUGIN_DIR)).filePath("libnewsReader.so");
+    }
+
+private slots:
+    void metadataNamesTheHostInterfaceAndClass()
+    {
+        QPluginLoader loader(modulePath());
+        const QJsonObject meta = loader.metaData();
+        QVERIFY2(!meta.isEmpty(), qPrintable(loader.errorString()));
+        QCOMPARE(meta.value("IID").toString(), QStringLiteral(IKolPlugin_iid));
+        QVERIFY(meta.value("IID").toString().endsWith("KolApplication.IKolPlugin"));
+        QCOMPARE(meta.value("className").toString(), QStringLiteral("CNewsReaderPlugin"));
+        const QJsonObject user = meta.value("MetaData").toObject();
+        QCOMPARE(user.keys(), QStringList{"disableOnWinPE"});
+        QVERIFY(user.value("disableOnWinPE").isBool());
+        QCOMPARE(user.value("disableOnWinPE").toBool(true), false);
+    }
+
+    void instanceIsOneObjectBehindBothInterfaces()
+    {
+        QPluginLoader loader(modulePath());
+        QObject* first = loader.instance();
+        QVERIFY2(first, qPrintable(loader.errorString()));
+        QCOMPARE(loader.instance(), first);
+
+        auto* plugin = qobject_cast<IKolPlugin*>(first);
+        auto* base = qobject_cast<CAbstractKolPlugin*>(first);
+        QVERIFY(plugin);
+        QVERIFY(base);
+        QCOMPARE(static_cast<IKolPlugin*>(base), plugin);
+        QCOMPARE(plugin->getPluginId(), QStringLiteral("newsReader"));
+        QCOMPARE(plugin->getTranslationName(), QStringLiteral("newsReader"));
+        QCOMPARE(base->getUiFormName(), QStringLiteral("newsReader.mainScreen.ui"));
+    }
+
+    void metaObjectDeclaresTheHostContract()
+    {
+        QPluginLoader loader(modulePath());
+        QObject* object = loader.instance();
+        QVERIFY(object);
+        const QMetaObject* meta = object->metaObject();
+        QCOMPARE(meta->className(), "CNewsReaderPlugin");
+
+        QStringList signalNames;
+        QStringList slotNames;
+        for (int i = meta->methodOffset(); i < meta->methodCount(); ++i) {
+            const QMetaMethod method = meta->method(i);
+            if (method.methodType() == QMetaMethod::Signal)
+                signalNames << QString::fromLatin1(method.methodSignature());
+            else if (method.methodType() == QMetaMethod::Slot)
+                slotNames << QString::fromLatin1(method.methodSignature());
+        }
+        QCOMPARE(signalNames, (QStringList{"pluginDataChanged()", "notifyCanSendMessage(bool)",
+                                           "notifyCanComposeNewMessage(bool)"}));
+        const QStringList expectedSlots{"onPluginItemActivated(QModelIndex)",
+                                        "onPluginItemSelected(QModelIndex,QModelIndex)",
+                                        "keepItemSelected()",
+                                        "setIsSelected(bool)",
+                                        "onCommunicationReceived(CIncidentCommunication)",
+                                        "onCommunicationDeleted(CIncidentCommunication)",
+                                        "onWriteUsLinkActivated()",
+                                        "setCurrentIndex(QModelIndex)",
+                                        "onRequestApplicationExit()",
+                                        "onHideNewsEntryClicked(QModelIndex)",
+                                        "onSetWebPageContentFinished(bool)",
+                                        "onCommunicationItemsModelPopulated()",
+                                        "onEntryReadStatusChanged(Messenger::MessageEntryPtr)",
+                                        "onListItemExpanded(QModelIndex)",
+                                        "onListItemCollapsed(QModelIndex)",
+                                        "onSyncViewRequest()",
+                                        "onToastClicked()",
+                                        "onSendMessageClicked()",
+                                        "onAddAttachmentClicked()",
+                                        "onAppBroadcastRequest(AppBroadcastRequest)",
+                                        "onUpdateCurrentIssueMessages(QString)",
+                                        "onThreadIsBeingEdited(CIncidentCommunication,bool)",
+                                        "onWatchersCacheChanged()",
+                                        "onTypingDataChanged(QString)"};
+        QCOMPARE(slotNames, expectedSlots);
+    }
+
+    void germanTranslationIsInstalledUnderTheModuleName()
+    {
+        QPluginLoader loader(modulePath());
+        auto* plugin = qobject_cast<CAbstractKolPlugin*>(loader.instance());
+        QVERIFY(plugin);
+        QCOMPARE(plugin->getCaption(), QStringLiteral("Communications"));
+        QVERIFY(plugin->installPluginTranslation(qApp, QStringLiteral("de_DE")));
+        QCOMPARE(plugin->getCaption(), QStringLiteral("Kommunikation"));
+        QCOMPARE(plugin->getPluginName(), QStringLiteral("Kommunikation"));
+        QVERIFY(!plugin->installPluginTranslation(qApp, QStringLiteral("xx_XX")));
+    }
+};
+
+HOST_TEST_MAIN(TestPluginModule)
+#include "tst_pluginmodule.moc"
