@@ -36,26 +36,29 @@ public slots:
     void reject() override;
 
 protected:
-    // Steps in the order the host calls them.
-    virtual bool LoadUI();                       // loads getFormResourceName() into the dialog
+    // Steps in the order the host calls them. Execute(): LoadUI() (once), setupUi(), getInitialSize(),
+    // setUpFixedTopLevelSize(), then the dialog runs; DoneUI() after it has finished.
+    virtual bool LoadUI();                       // loads getFormResourceName() into the dialog; false: failed
     virtual QString getFormResourceName() const; // resource name of the form in the host's form repository
-    virtual QString GetLinkBindingEntry() const; // help link of the dialog
-    virtual QSize getInitialSize() const;        // size the dialog opens with
-    virtual QString getEscapeHotkeyButtonName() const;
-    virtual bool escapeRejects() const; // Escape presses the Cancel button
-    virtual void setUpFixedTopLevelSize();
-    virtual bool isFixedTopLevelSize() const;
-    virtual bool useRepository() const; // forms come from the host's form repository
-    virtual void setupUi();             // the form is loaded: find and wire its controls
-    virtual bool DoneUI();
-    virtual int getButtonsMask() const; // 1: OK, 2: Cancel
-    virtual QString getHelpTopic() const;
-    virtual bool GetMsgBoxParams() const;
-    virtual bool showErrorsAsBalloons() const;
-    virtual bool CanCloseDlg() const;
-    virtual bool canCloseOnAccept() const;
-    virtual unsigned GetApplicableObjectMask() const;
-    virtual void onAccept(); // OK pressed; the subclass closes the dialog itself
+    virtual QString GetLinkBindingEntry() const; // help link of the dialog; default none
+    virtual QSize getInitialSize() const;        // size the dialog opens with; default: its size hint
+    virtual QString getEscapeHotkeyButtonName() const; // object name of the button Escape presses
+    virtual bool escapeRejects() const;                // Escape presses the Cancel button; default true
+    virtual void setUpFixedTopLevelSize();             // fixes the size when isFixedTopLevelSize()
+    virtual bool isFixedTopLevelSize() const;          // default: the `fixedSize` constructor argument
+    virtual bool useRepository() const;        // forms come from the host's form repository; default true
+    virtual void setupUi();                    // the form is loaded: find and wire its controls
+    virtual bool DoneUI();                     // the dialog has finished; default true
+    virtual int getButtonsMask() const;        // 1: OK, 2: Cancel; default both (3)
+    virtual QString getHelpTopic() const;      // default none
+    virtual bool GetMsgBoxParams() const;      // default false
+    virtual bool showErrorsAsBalloons() const; // default true
+    virtual bool CanCloseDlg() const;          // whether Cancel may close the dialog now; default true
+    virtual bool canCloseOnAccept() const;     // whether the default onAccept() closes; default true
+    virtual unsigned GetApplicableObjectMask() const; // default 0
+    virtual void onAccept(); // OK pressed; default: done(Accepted) when canCloseOnAccept()
+
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     bool m_modeless;

@@ -21,6 +21,9 @@ public:
 
     QString fileName() const;
     void sync();
+    // Writes pending changes to the current file and continues with `fileName` (same rule as the
+    // constructor).
+    void reopen(const QString& fileName);
 
 private:
     std::unique_ptr<QSettings> m_settings;

@@ -25,6 +25,7 @@ public:
     void signOut();
 
     // Makes `user` the signed-in user at once (used by the host at start-up when a session is remembered).
+    // Emits signedIn() every time, also when a user was signed in already.
     void setSignedInUser(const Ordenz::SignIn::UserInfo& user);
 
 signals:
@@ -33,6 +34,9 @@ signals:
     void signedOut();
 
 private:
+    // Answers an attempt from the event loop: the scripted result if one is set, `valid` otherwise.
+    void answerLater(bool valid, const Ordenz::SignIn::UserInfo& user, const QString& reason);
+
     bool m_signedIn = false;
     Ordenz::SignIn::UserInfo m_user;
 };

@@ -7,12 +7,13 @@
 #include <QString>
 #include <QVariant>
 
-// Folder kinds understood by GetAbsDirName and GetAbsFileName.
+// Folder kinds understood by GetAbsDirName and GetAbsFileName, and where they live (QStandardPaths).
 enum HostFolderKind : int
 {
-    FolderDocuments = 9,  // the user's documents folder
-    FolderAppData = 14,   // the application's persistent data
-    FolderDownloads = 23, // the application's download cache
+    FolderDocuments = 9,  // the user's documents folder (DocumentsLocation)
+    FolderAppData = 14,   // the application's persistent data (AppDataLocation)
+    FolderDownloads = 23, // the application's download cache (CacheLocation + "/Downloads"): everything in it
+                          // can be fetched from the server again
 };
 
 // Absolute folder for `kind` (a HostFolderKind as int) joined with `relativePath`; created when `create`.

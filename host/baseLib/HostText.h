@@ -12,5 +12,6 @@ BASELIB_EXPORT QString GetDottedString(const QString& text, const QFont& font, i
                                        int minChars);
 
 // A size in bytes for people: "0 bytes", "1 byte", "980 bytes", "1.5 KB", "12.3 MB", "4.1 GB".
-// `flags` 0: one decimal below 100 units; 1: whole units only.
+// Units are 1024-based (1 KB = 1024 bytes) and the next unit starts where the rounded value reaches 1024.
+// `flags` 0: one decimal below 100 units ("1.0 KB", "100 KB"); 1: whole units only.
 BASELIB_EXPORT QString GetFormattedSize(unsigned long long size, unsigned long long flags);

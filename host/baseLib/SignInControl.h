@@ -51,7 +51,18 @@ signals:
     void uiCapsChanged();
 
 private:
+    enum Page
+    {
+        SignInPage = 0,
+        CreateAccountPage = 1,
+    };
+
     void updateCaps();
+    unsigned computeCaps() const;
+    bool isFormFilled() const;
+    void setInputsEnabled(bool enabled);
+    void showError(const QString& text);
+    void onSignedIn();
     void onSignInFailed(const QString& reason);
 
     QStackedWidget* m_pages;

@@ -7,6 +7,7 @@
 #include "CSignInService.h"
 #include "CVantrelApp.h"
 #include "HostRuntime.h"
+#include "SimulatedServer.h"
 
 #include <QAbstractItemModel>
 #include <QStandardPaths>
@@ -51,10 +52,7 @@ void resetForTests()
     runtime().nextSignInResult.reset();
     clearEvents();
 
-    clearServer();
-    setLatency(0);
-    setHoldRequests(false);
-    clearRequestLog();
+    SimulatedServer::instance().resetForTests();
     setSignedIn(true);
 }
 

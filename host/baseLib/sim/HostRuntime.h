@@ -12,7 +12,10 @@
 #include <QStringList>
 #include <QVariantMap>
 
+#include <memory>
 #include <optional>
+
+class CSettingsLoader;
 
 class BASELIB_EXPORT HostRuntime : public QObject
 {
@@ -46,9 +49,19 @@ public:
     };
     QList<Event> events;
 
+    // The host settings store (CVantrelApp::getSettingsInstance()). Created on first use at the application's
+    // default location.
+    CSettingsLoader& settings();
+    // Keeps the settings store in `fileName` from now on (tests use a temporary file). The store object stays
+    // the same, so references obtained earlier remain valid and read the new file.
+    void useSettingsFile(const QString& fileName);
+
 signals:
     void eventRecorded(const QString& kind, const QVariantMap& details);
 
 private:
-    HostRuntime() = default;
+    HostRuntime();
+    ~HostRuntime() override;
+
+    std::unique_ptr<CSettingsLoader> m_settings;
 };

@@ -1,0 +1,3 @@
+#include "CFilePreviewHandler.h"
+
+CFilePreviewHandler::~CFilePreviewHandler() = default;

@@ -1,0 +1,3 @@
+#include "CPropertyBag.h"
+
+CPropertyBag::~CPropertyBag() = default;
