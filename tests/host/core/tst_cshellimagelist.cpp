@@ -1,0 +1,89 @@
+// File-type icons: present at the asked size, cached per type and size, told apart by family.
+
+#include "CShellImageList.h"
+#include "HostTestMain.h"
+
+#include <QImage>
+
+namespace {
+
+int visiblePixels(const QPixmap& pixmap)
+{
+    const QImage image = pixmap.toImage().convertToFormat(QImage::Format_ARGB32);
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            count += qAlpha(image.pixel(x, y)) > 0 ? 1 : 0;
+    }
+    return count;
+}
+
+} // namespace
+
+class TestCShellImageList : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void iconsExistAtTheAskedSize_data()
+    {
+        QTest::addColumn<QString>("fileName");
+        QTest::addColumn<int>("size");
+        QTest::newRow("pdf, large") << "report.pdf" << 128;
+        QTest::newRow("png, small") << "photo.png" << 16;
+        QTest::newRow("zip") << "archive.zip" << 32;
+        QTest::newRow("unknown extension") << "data.xyz123" << 48;
+        QTest::newRow("no extension") << "README" << 20;
+        QTest::newRow("screenshot name") << "Screenshot 2024-05-01T101530.123Z.png" << 128;
+    }
+    void iconsExistAtTheAskedSize()
+    {
+        QFETCH(QString, fileName);
+        QFETCH(int, size);
+        const QPixmap icon = CShellImageList::instance()->getShellImage(fileName, size);
+        QVERIFY(!icon.isNull());
+        QVERIFY(icon.width() <= size && icon.height() <= size);
+        QVERIFY(icon.width() >= size / 2);
+        QVERIFY(visiblePixels(icon) > size * size / 8);
+    }
+
+    void sameTypeAndSizeComeFromTheCache()
+    {
+        CShellImageList* list = CShellImageList::instance();
+        const QPixmap first = list->getShellImage(QStringLiteral("a.pdf"), 64);
+        QCOMPARE(list->getShellImage(QStringLiteral("other name.PDF"), 64).cacheKey(), first.cacheKey());
+        QVERIFY(list->getShellImage(QStringLiteral("a.pdf"), 32).cacheKey() != first.cacheKey());
+
+        const QPixmap fresh = list->getShellImage(QStringLiteral("a.pdf"), 64, false, false);
+        QVERIFY(fresh.cacheKey() != first.cacheKey());
+        QCOMPARE(fresh.toImage(), first.toImage());
+    }
+
+    void differentFamiliesLookDifferent()
+    {
+        CShellImageList* list = CShellImageList::instance();
+        const QImage pdf = list->getShellImage(QStringLiteral("a.pdf"), 48).toImage();
+        const QImage zip = list->getShellImage(QStringLiteral("a.zip"), 48).toImage();
+        const QImage png = list->getShellImage(QStringLiteral("a.png"), 48).toImage();
+        const QImage folder = list->getShellImage(QStringLiteral("a.pdf"), 48, true).toImage();
+        // Office documents are zip containers underneath but must not look like archives.
+        const QImage docx = list->getShellImage(QStringLiteral("a.docx"), 48).toImage();
+        const QImage xlsx = list->getShellImage(QStringLiteral("a.xlsx"), 48).toImage();
+        QVERIFY(pdf != zip);
+        QVERIFY(docx.pixelColor(24, 36) != zip.pixelColor(24, 36));
+        QVERIFY(xlsx.pixelColor(24, 36) != zip.pixelColor(24, 36));
+        QVERIFY(pdf != png);
+        QVERIFY(zip != png);
+        QVERIFY(folder != pdf);
+    }
+
+    void folderIconIgnoresTheName()
+    {
+        CShellImageList* list = CShellImageList::instance();
+        QCOMPARE(list->getShellImage(QStringLiteral("x.pdf"), 32, true).cacheKey(),
+                 list->getShellImage(QStringLiteral("Downloads"), 32, true).cacheKey());
+    }
+};
+
+HOST_TEST_MAIN(TestCShellImageList)
+#include "tst_cshellimagelist.moc"

@@ -1,0 +1,125 @@
+// View-model bases and the form repository: loading a view once, host widgets in forms, sub-models.
+
+#include "CBusyStateCtl.h"
+#include "CFormRepository.h"
+#include "CIconControl.h"
+#include "CViewModelPersistent.h"
+#include "HostTestMain.h"
+#include "SignInControl.h"
+
+#include <QLabel>
+#include <QRegularExpression>
+
+namespace {
+
+const QString probeForm = QStringLiteral("tst_core.probe.ui");
+
+class ProbeViewModel : public CViewModelPersistent
+{
+public:
+    explicit ProbeViewModel(const QString& formName)
+        : m_formName(formName)
+    {}
+    QString getUiFormName() const override { return m_formName; }
+    void setupView() override
+    {
+        ++setupCount;
+        // The controls must be there when the model sets itself up.
+        titleFound = getViewWidget() && getViewWidget()->findChild<QLabel*>(QStringLiteral("titleLabel"));
+    }
+    void refreshView() override
+    {
+        ++refreshCount;
+        CViewModelPersistent::refreshView();
+    }
+    void onActiveChanged(bool active) override { lastActive = active; }
+
+    int setupCount = 0;
+    int refreshCount = 0;
+    bool titleFound = false;
+    bool lastActive = false;
+
+private:
+    QString m_formName;
+};
+
+} // namespace
+
+class TestCViewModelBase : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void viewIsLoadedOnceIntoItsParent()
+    {
+        QWidget parent;
+        ProbeViewModel model(probeForm);
+        QVERIFY(!model.getViewWidget());
+
+        QWidget* view = model.View(&parent);
+        QVERIFY(view);
+        QCOMPARE(view->parentWidget(), &parent);
+        QCOMPARE(model.getViewWidget(), view);
+        QCOMPARE(model.setupCount, 1);
+        QVERIFY(model.titleFound);
+
+        QCOMPARE(model.View(&parent), view);
+        QCOMPARE(model.setupCount, 1);
+    }
+
+    void formsCreateTheHostWidgets()
+    {
+        QString error;
+        std::unique_ptr<QWidget> form(CFormRepository::load(probeForm, nullptr, &error));
+        QVERIFY2(form, qPrintable(error));
+        QVERIFY(error.isEmpty());
+        QVERIFY(form->findChild<CIconControl*>(QStringLiteral("iconControl")));
+        QVERIFY(form->findChild<CBusyStateCtl*>(QStringLiteral("busyState")));
+        QVERIFY(form->findChild<SignInControl*>(QStringLiteral("signIn")));
+        QCOMPARE(form->findChild<QLabel*>(QStringLiteral("titleLabel"))->text(), QStringLiteral("Probe"));
+        QVERIFY(CFormRepository::contains(probeForm));
+    }
+
+    void missingFormIsReportedNotFatal()
+    {
+        QString error;
+        QVERIFY(!CFormRepository::load(QStringLiteral("no-such.form.ui"), nullptr, &error));
+        QVERIFY(error.contains(QStringLiteral("no-such.form.ui")));
+        QVERIFY(!CFormRepository::contains(QStringLiteral("no-such.form.ui")));
+
+        ProbeViewModel model(QStringLiteral("no-such.form.ui"));
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("no-such.form.ui"));
+        QVERIFY(!model.View(nullptr));
+        QCOMPARE(model.setupCount, 0);
+    }
+
+    void subModelsAreRefreshedAndActivated()
+    {
+        ProbeViewModel parentModel(probeForm);
+        ProbeViewModel child(probeForm);
+        parentModel.registerSubViewModel(&child);
+        parentModel.registerSubViewModel(&child);
+
+        parentModel.refreshView();
+        QCOMPARE(child.refreshCount, 1);
+        parentModel.setSubViewActive(&child, true);
+        QVERIFY(child.lastActive);
+
+        parentModel.unregisterSubViewModel(&child);
+        parentModel.refreshView();
+        QCOMPARE(child.refreshCount, 1);
+    }
+
+    void destroyedSubModelIsSkipped()
+    {
+        ProbeViewModel parentModel(probeForm);
+        auto* child = new ProbeViewModel(probeForm);
+        parentModel.registerSubViewModel(child);
+        delete child;
+        parentModel.refreshView();
+        QCOMPARE(parentModel.refreshCount, 1);
+    }
+};
+
+HOST_TEST_MAIN(TestCViewModelBase)
+#include "tst_cviewmodelbase.moc"

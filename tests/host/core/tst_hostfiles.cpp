@@ -1,0 +1,188 @@
+// File and folder helpers: extensions, file-name validity, host folders and launching files.
+
+#include "HostFiles.h"
+#include "HostRuntime.h"
+#include "HostTestMain.h"
+
+#include <QDir>
+#include <QFile>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+class TestHostFiles : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        HostRuntime::instance().events.clear();
+        HostRuntime::instance().openExternally = false;
+    }
+
+    void extensionIsLowerCaseWithOptionalDot_data()
+    {
+        QTest::addColumn<QString>("fileName");
+        QTest::addColumn<bool>("withDot");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("upper case") << "report.PDF" << false << "pdf";
+        QTest::newRow("with dot") << "report.PDF" << true << ".pdf";
+        QTest::newRow("last of several") << "archive.tar.gz" << false << "gz";
+        QTest::newRow("no dot") << "Makefile" << false << "";
+        QTest::newRow("no dot, with dot asked") << "Makefile" << true << "";
+        QTest::newRow("hidden file") << ".profile" << false << "";
+        QTest::newRow("trailing dot") << "name." << true << "";
+        QTest::newRow("dot in folder only") << "/tmp/dir.d/readme" << false << "";
+        QTest::newRow("dot in windows folder only") << "C:\\dir.v2\\file" << false << "";
+        QTest::newRow("full path") << "/a/b/photo.JpEg" << true << ".jpeg";
+    }
+    void extensionIsLowerCaseWithOptionalDot()
+    {
+        QFETCH(QString, fileName);
+        QFETCH(bool, withDot);
+        QFETCH(QString, expected);
+        QCOMPARE(getFileNameExtension(fileName, withDot), expected);
+    }
+
+    void everyForbiddenCharacterIsRejected_data()
+    {
+        QTest::addColumn<QString>("character");
+        for (const QChar c : QStringLiteral("<>:\"/\\|?*"))
+            QTest::newRow(qPrintable(QString(c))) << QString(c);
+        QTest::newRow("tab") << QStringLiteral("\t");
+        QTest::newRow("control") << QString(QChar(0x01));
+        QTest::newRow("newline") << QStringLiteral("\n");
+    }
+    void everyForbiddenCharacterIsRejected()
+    {
+        QFETCH(QString, character);
+        const FileNameValidationReasons reasons = isValidFileName(QStringLiteral("a") + character + "b.txt");
+        QCOMPARE(reasons, FileNameValidationReasons(FileNameForbiddenCharacter));
+    }
+
+    void reservedNamesAreRejected_data()
+    {
+        QTest::addColumn<QString>("fileName");
+        QTest::addColumn<bool>("reserved");
+        QTest::newRow("CON") << "CON" << true;
+        QTest::newRow("con with extension") << "con.txt" << true;
+        QTest::newRow("LPT9 mixed case") << "Lpt9.log" << true;
+        QTest::newRow("COM1") << "COM1" << true;
+        QTest::newRow("NUL") << "nul" << true;
+        QTest::newRow("AUX") << "aux.tar.gz" << true;
+        QTest::newRow("dot") << "." << true;
+        QTest::newRow("dot dot") << ".." << true;
+        QTest::newRow("longer word") << "CONSOLE.txt" << false;
+        QTest::newRow("COM10") << "com10" << false;
+        QTest::newRow("reserved inside") << "my con.txt" << false;
+    }
+    void reservedNamesAreRejected()
+    {
+        QFETCH(QString, fileName);
+        QFETCH(bool, reserved);
+        QCOMPARE(isValidFileName(fileName).testFlag(FileNameReserved), reserved);
+    }
+
+    void otherReasonsAreReported_data()
+    {
+        QTest::addColumn<QString>("fileName");
+        QTest::addColumn<FileNameValidationReasons>("expected");
+        QTest::newRow("ordinary") << "plain name (1).txt" << FileNameValidationReasons();
+        QTest::newRow("percent and equals are fine") << "50%=half.txt" << FileNameValidationReasons();
+        QTest::newRow("unicode") << QStringLiteral("Zpráva ✓.pdf") << FileNameValidationReasons();
+        QTest::newRow("empty") << "" << FileNameValidationReasons(FileNameEmpty);
+        QTest::newRow("255 characters") << QString(255, QLatin1Char('a')) << FileNameValidationReasons();
+        QTest::newRow("256 characters")
+            << QString(256, QLatin1Char('a')) << FileNameValidationReasons(FileNameTooLong);
+        QTest::newRow("trailing dot") << "name." << FileNameValidationReasons(FileNameTrailingDotOrSpace);
+        QTest::newRow("trailing space") << "name " << FileNameValidationReasons(FileNameTrailingDotOrSpace);
+        QTest::newRow("several at once")
+            << "a:b." << (FileNameForbiddenCharacter | FileNameTrailingDotOrSpace);
+    }
+    void otherReasonsAreReported()
+    {
+        QFETCH(QString, fileName);
+        QFETCH(FileNameValidationReasons, expected);
+        QCOMPARE(isValidFileName(fileName), expected);
+    }
+
+    void absDirNameJoinsAndCreatesFolders_data()
+    {
+        QTest::addColumn<int>("kind");
+        QTest::addColumn<QString>("root");
+        QTest::newRow("documents") << int(FolderDocuments)
+                                   << QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+        QTest::newRow("app data") << int(FolderAppData)
+                                  << QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+        QTest::newRow("downloads") << int(FolderDownloads)
+                                   << QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+    }
+    void absDirNameJoinsAndCreatesFolders()
+    {
+        QFETCH(int, kind);
+        QFETCH(QString, root);
+        QVERIFY(QStandardPaths::isTestModeEnabled());
+
+        const QString relative = QStringLiteral("tst_hostfiles/%1/thread-7/att-1").arg(kind);
+        const QString base = GetAbsDirName(kind, QString(), false);
+        auto cleanup = qScopeGuard([&] { QDir(QDir(base).filePath("tst_hostfiles")).removeRecursively(); });
+
+        QVERIFY(base.startsWith(root));
+        QVERIFY(!QFileInfo::exists(QDir(base).filePath(relative)));
+
+        const QString notCreated = GetAbsDirName(kind, relative, false);
+        QCOMPARE(notCreated, QDir(base).filePath(relative));
+        QVERIFY(!QFileInfo::exists(notCreated));
+
+        const QString created = GetAbsDirName(kind, relative, true);
+        QCOMPARE(created, notCreated);
+        QVERIFY(QFileInfo(created).isDir());
+    }
+
+    void downloadsAreKeptApartFromTheCacheRoot()
+    {
+        const QString cacheRoot = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+        QVERIFY(GetAbsDirName(FolderDownloads, QString(), false) != QDir::cleanPath(cacheRoot));
+    }
+
+    void unknownFolderKindGivesNoFolder()
+    {
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("unknown folder kind"));
+        QVERIFY(GetAbsDirName(77, QStringLiteral("x"), true).isEmpty());
+    }
+
+    void absFileNamePlacesTheFileInKindOrFolder()
+    {
+        QCOMPARE(GetAbsFileName(int(FolderDownloads), QStringLiteral("a b.txt")),
+                 GetAbsDirName(FolderDownloads, QString(), false) + QStringLiteral("/a b.txt"));
+        QTemporaryDir folder;
+        QCOMPARE(GetAbsFileName(folder.path(), QStringLiteral("x.pdf")),
+                 folder.path() + QStringLiteral("/x.pdf"));
+    }
+
+    void launchRecordsAndNeedsAnExistingFile()
+    {
+        QTemporaryDir folder;
+        const QString existing = folder.filePath(QStringLiteral("doc.txt"));
+        QFile file(existing);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.close();
+
+        QString error;
+        QVERIFY(LaunchFile(existing, QString(), QString(), error));
+        QVERIFY(error.isEmpty());
+
+        const QString missing = folder.filePath(QStringLiteral("gone.txt"));
+        QVERIFY(!LaunchFile(missing, QString(), QString(), error));
+        QVERIFY(error.contains(QStringLiteral("gone.txt")));
+
+        const QList<HostRuntime::Event>& events = HostRuntime::instance().events;
+        QCOMPARE(events.size(), 2);
+        QCOMPARE(events.at(0).kind, QStringLiteral("launchFile"));
+        QCOMPARE(events.at(0).details.value("path").toString(), existing);
+        QCOMPARE(events.at(1).details.value("path").toString(), missing);
+    }
+};
+
+HOST_TEST_MAIN(TestHostFiles)
+#include "tst_hostfiles.moc"

@@ -1,0 +1,226 @@
+// Scenario files of the simulated server: faults are reported with file and position, optional members take
+// defaults, a snapshot reads back the same, and the built-in scenario has the variety the reference host
+// shows.
+#include "HostTestMain.h"
+#include "ScenarioCodec.h"
+#include "SimulatedServer.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QRegularExpression>
+#include <QSet>
+#include <QTemporaryDir>
+#include <QTest>
+
+class TestScenarioCodec : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { SimulatedServer::instance().resetForTests(); }
+
+    void malformedJsonNamesFileLineAndColumn()
+    {
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("broken.json"));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("{\n  \"news\": [\n    {\"id\": \"a\",, \"title\": \"x\"}\n  ]\n}\n");
+        file.close();
+        QString error;
+        QVERIFY(!HostControl::loadScenarioFile(path, &error));
+        const QRegularExpressionMatch match =
+            QRegularExpression(QStringLiteral("^broken\\.json:(\\d+):(\\d+): ")).match(error);
+        QVERIFY2(match.hasMatch(), qPrintable(error));
+        QCOMPARE(match.captured(1).toInt(), 3);
+        const int column = match.captured(2).toInt();
+        QVERIFY2(column >= 16 && column <= 18, qPrintable(error));
+    }
+
+    void missingFileIsReported()
+    {
+        QString error;
+        QVERIFY(!HostControl::loadScenarioFile(QStringLiteral("/nonexistent/scenario.json"), &error));
+        QVERIFY(error.contains(QLatin1String("/nonexistent/scenario.json")));
+    }
+
+    void wrongTypesNameTheJsonPath_data()
+    {
+        QTest::addColumn<QByteArray>("json");
+        QTest::addColumn<QString>("path");
+        QTest::newRow("news title") << QByteArray(R"({"news": [{"id": "a"}, {"id": "b", "title": 5}]})")
+                                    << "/news/1/title";
+        QTest::newRow("message text")
+            << QByteArray(R"({"conversations": [{"id": "c", "messages": [{"text": "ok"}, {"text": []}]}]})")
+            << "/conversations/0/messages/1/text";
+        QTest::newRow("colour") << QByteArray(R"({"participants": [{"id": "p", "nameColor": "blurple"}]})")
+                                << "/participants/0/nameColor";
+        QTest::newRow("unknown state")
+            << QByteArray(R"({"conversations": [{"id": "c", "state": "LOST"}]})") << "/conversations/0/state";
+        QTest::newRow("section not an array") << QByteArray(R"({"news": {"id": "a"}})") << "/news";
+        QTest::newRow("flag") << QByteArray(R"({"news": [{"id": "a", "read": "yes"}]})") << "/news/0/read";
+        QTest::newRow("time") << QByteArray(R"({"news": [{"id": "a", "published": "yesterday"}]})")
+                              << "/news/0/published";
+        QTest::newRow("limit") << QByteArray(R"({"limits": {"messageLength": "long"}})")
+                               << "/limits/messageLength";
+        QTest::newRow("duplicate id")
+            << QByteArray(R"({"news": [{"id": "a"}, {"id": "a"}]})") << "/news/1/id";
+        QTest::newRow("attachment content")
+            << QByteArray(
+                   R"({"conversations": [{"id": "c", "messages": [{"attachments": [{"fileName": "x.bin"}]}]}]})")
+            << "/conversations/0/messages/0/attachments/0/generate";
+    }
+
+    void wrongTypesNameTheJsonPath()
+    {
+        QFETCH(QByteArray, json);
+        QFETCH(QString, path);
+        QString error;
+        QVERIFY(!HostControl::loadScenarioJson(json, QStringLiteral("typed.json"), &error));
+        QVERIFY2(error.startsWith(QStringLiteral("typed.json: ") + path + QStringLiteral(": ")),
+                 qPrintable(error));
+    }
+
+    void failedLoadKeepsTheOldData()
+    {
+        QString error;
+        QVERIFY(
+            HostControl::loadScenarioJson(R"({"news": [{"id": "keep"}]})", QStringLiteral("a.json"), &error));
+        QVERIFY(!HostControl::loadScenarioJson(R"({"news": [{"id": 1}]})", QStringLiteral("b.json"), &error));
+        QVERIFY(SimulatedServer::instance().data().newsEntry(QStringLiteral("keep")));
+    }
+
+    void missingOptionalFieldsTakeDefaults()
+    {
+        ServerData data;
+        QString error;
+        QVERIFY2(ScenarioCodec::read(R"({"news": [{}], "conversations": [{"messages": [{}]}]})",
+                                     QStringLiteral("min.json"), data, &error),
+                 qPrintable(error));
+        QCOMPARE(data.user.id, QStringLiteral("u-self"));
+        QCOMPARE(data.limits.messageLength, ServerData::kDefaultMessageLength);
+        QCOMPARE(data.limits.attachmentBytes, ServerData::kDefaultAttachmentBytes);
+        QCOMPARE(data.news.size(), 1);
+        QVERIFY(!data.news.first().id.isEmpty());
+        QCOMPARE(data.news.first().kind, ServerData::NewsEntry::Important);
+        QVERIFY(data.news.first().published.isValid());
+        QVERIFY(!data.news.first().expires.isValid());
+        const ServerData::Conversation& conversation = data.conversations.first();
+        QCOMPARE(conversation.stateKey, QStringLiteral("OPEN"));
+        QCOMPARE(conversation.threadId, conversation.id);
+        QVERIFY(conversation.read);
+        QCOMPARE(data.messages.size(), 1);
+        QCOMPARE(data.messages.first().editVersion, 1);
+        QCOMPARE(data.messages.first().versionKey, data.messages.first().id);
+        QVERIFY(data.messages.first().time > conversation.created);
+    }
+
+    void relativeTimes_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<qint64>("seconds");
+        QTest::newRow("now") << "now" << qint64(0);
+        QTest::newRow("minus two days") << "-2d" << qint64(-2 * 86400);
+        QTest::newRow("plus three hours") << "+3h" << qint64(3 * 3600);
+        QTest::newRow("minus ninety minutes") << "-90m" << qint64(-90 * 60);
+        QTest::newRow("minus thirty seconds") << "-30s" << qint64(-30);
+    }
+
+    void relativeTimes()
+    {
+        QFETCH(QString, text);
+        QFETCH(qint64, seconds);
+        const QDateTime now = QDateTime::currentDateTime();
+        QCOMPARE(ScenarioCodec::parseTime(text, now), now.addSecs(seconds));
+    }
+
+    void snapshotReadsBackTheSame()
+    {
+        HostControl::loadDefaultScenario();
+        const QJsonObject first = HostControl::serverSnapshot();
+        QString error;
+        QVERIFY2(HostControl::loadScenarioJson(QJsonDocument(first).toJson(), QStringLiteral("snapshot.json"),
+                                               &error),
+                 qPrintable(error));
+        QCOMPARE(HostControl::serverSnapshot(), first);
+    }
+
+    void defaultScenarioHasThePromisedVariety()
+    {
+        QString error;
+        ServerData data;
+        QVERIFY2(ScenarioCodec::read(HostControl::defaultScenarioJson(), QStringLiteral("default.json"), data,
+                                     &error),
+                 qPrintable(error));
+        const QDateTime now = QDateTime::currentDateTime();
+        int urgent = 0, ordinary = 0, currentOffers = 0, historyOffers = 0, pinned = 0;
+        for (const ServerData::NewsEntry& entry : data.news) {
+            QVERIFY2(entry.html.contains(QLatin1String("<h1>")) &&
+                         entry.html.contains(QLatin1String("<a href=")),
+                     qPrintable(entry.id));
+            pinned += entry.pinned ? 1 : 0;
+            if (entry.kind == ServerData::NewsEntry::Important)
+                (entry.read ? ordinary : urgent)++;
+            else if (entry.expires.isValid() && entry.expires < now)
+                ++historyOffers;
+            else
+                ++currentOffers;
+        }
+        QCOMPARE(urgent, 2);
+        QCOMPARE(ordinary, 3);
+        QCOMPARE(currentOffers, 3);
+        QCOMPARE(historyOffers, 2);
+        QCOMPARE(pinned, 1);
+
+        QSet<QString> states;
+        int withoutThread = 0;
+        for (const ServerData::Conversation& conversation : data.conversations) {
+            states.insert(conversation.stateKey);
+            withoutThread += conversation.threadId.isEmpty() ? 1 : 0;
+        }
+        QCOMPARE(data.conversations.size(), 4);
+        QCOMPARE(states.size(), 4);
+        QVERIFY(states.contains(QStringLiteral("CLOSED")));
+        QCOMPARE(data.state(QStringLiteral("CLOSED"))->composerState, 2);
+        QCOMPARE(withoutThread, 1);
+
+        QSet<QRgb> colours;
+        for (const ServerData::Participant& participant : data.participants)
+            colours.insert(participant.nameColor.rgb());
+        QCOMPARE(data.participants.size(), 3);
+        QCOMPARE(colours.size(), 3);
+
+        int drafts = 0, edited = 0, deleted = 0, html = 0, tables = 0;
+        for (const ServerData::Message& message : data.messages) {
+            drafts += message.isDraft ? 1 : 0;
+            edited += message.editVersion > 1 ? 1 : 0;
+            deleted += message.deleted ? 1 : 0;
+            html += message.text.startsWith(QLatin1String("<p>")) ? 1 : 0;
+            tables += message.text.contains(QLatin1String("|---|")) ? 1 : 0;
+        }
+        QCOMPARE(drafts, 1);
+        QCOMPARE(edited, 1);
+        QCOMPARE(deleted, 1);
+        QVERIFY(html >= 1);
+        QVERIFY(tables >= 1);
+
+        // Every attachment holds a genuine file of its type.
+        const QHash<QString, QByteArray> magic{{QStringLiteral("png"), QByteArray("\x89PNG")},
+                                               {QStringLiteral("pdf"), QByteArray("%PDF")},
+                                               {QStringLiteral("zip"), QByteArray("PK\x03\x04")},
+                                               {QStringLiteral("jpg"), QByteArray("\xFF\xD8\xFF")}};
+        QSet<QString> suffixes;
+        for (const ServerData::Attachment& attachment : std::as_const(data.attachments)) {
+            const QString suffix = attachment.fileName.section(QLatin1Char('.'), -1);
+            suffixes.insert(suffix);
+            QVERIFY2(!attachment.data.isEmpty(), qPrintable(attachment.fileName));
+            if (magic.contains(suffix))
+                QVERIFY2(attachment.data.startsWith(magic.value(suffix)), qPrintable(attachment.fileName));
+            QVERIFY(!attachment.mimeType.isEmpty());
+        }
+        QCOMPARE(suffixes, (QSet<QString>{"png", "pdf", "txt", "zip", "jpg"}));
+    }
+};
+
+HOST_TEST_MAIN(TestScenarioCodec)
+#include "tst_scenariocodec.moc"
