@@ -1,0 +1,28 @@
+#pragma once
+// The reference host's command line: where the plugins are, which scenario the simulated server starts
+// with, and the unattended screenshot mode used by tests and documentation.
+
+#include <QSize>
+#include <QString>
+#include <QStringList>
+
+class HostOptions
+{
+public:
+    static constexpr int kDefaultScreenshotDelayMs = 3000;
+    static constexpr int kDefaultWidth = 1280;
+    static constexpr int kDefaultHeight = 800;
+
+    // Parses `arguments` (argv as a list). --help and --version print and exit inside; other faults return
+    // false with `error` set.
+    bool parse(const QStringList& arguments, QString* error);
+
+    // Empty: use the default folders.
+    QString pluginFolder;
+    QString scenarioFile;
+    QString screenshotFile;
+    int screenshotDelayMs = kDefaultScreenshotDelayMs;
+    QString locale;
+    bool signedOut = false;
+    QSize windowSize{kDefaultWidth, kDefaultHeight};
+};

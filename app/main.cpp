@@ -1,0 +1,149 @@
+// The reference host application: loads the page plugins of a folder with QPluginLoader as the real host
+// does and shows them in a host window, with the simulated support server behind the host services.
+
+#include "CAbstractKolPlugin.h"
+#include "CVantrelApp.h"
+#include "HostControl.h"
+#include "HostMainWindow.h"
+#include "HostOptions.h"
+#include "PluginLoader.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QLocale>
+#include <QScreen>
+#include <QTimer>
+#include <QWindow>
+
+#include <cstdio>
+
+namespace {
+constexpr int kExitBadInput = 2;
+constexpr int kExitScreenshotFailed = 3;
+const QByteArray kSandboxVariable = QByteArrayLiteral("QTWEBENGINE_DISABLE_SANDBOX");
+const QString kX11Platform = QStringLiteral("xcb");
+
+void printLine(FILE* stream, const QString& text)
+{
+    std::fputs(qPrintable(text + QLatin1Char('\n')), stream);
+    std::fflush(stream);
+}
+
+// Under X the screen holds what is really on display (web views included); elsewhere the widgets paint
+// themselves into the picture.
+QPixmap grabWindow(QWidget* window)
+{
+    if (QGuiApplication::platformName() == kX11Platform && window->windowHandle()) {
+        const QPixmap onScreen = window->screen()->grabWindow(window->winId());
+        if (!onScreen.isNull())
+            return onScreen;
+    }
+    return window->grab();
+}
+
+bool saveScreenshot(QWidget* window, const QString& path)
+{
+    const QFileInfo target(path);
+    QDir().mkpath(target.absolutePath());
+    const QPixmap picture = grabWindow(window);
+    return !picture.isNull() && picture.save(target.absoluteFilePath(), "PNG");
+}
+
+bool loadScenario(const HostOptions& options)
+{
+    if (options.scenarioFile.isEmpty()) {
+        HostControl::loadDefaultScenario();
+        return true;
+    }
+    QString error;
+    if (HostControl::loadScenarioFile(options.scenarioFile, &error))
+        return true;
+    printLine(stderr, error);
+    return false;
+}
+
+QString pluginFolder(const HostOptions& options)
+{
+    if (!options.pluginFolder.isEmpty())
+        return QDir(options.pluginFolder).absolutePath();
+    const QStringList folders = PluginLoader::defaultFolders(QStringLiteral(NEWSREADER_PLUGIN_DIR),
+                                                             QCoreApplication::applicationDirPath());
+    return folders.isEmpty() ? QString() : folders.first();
+}
+
+QList<PluginLoadResult> loadPlugins(const QString& folder, const QString& locale)
+{
+    const QList<PluginLoadResult> results =
+        folder.isEmpty() ? QList<PluginLoadResult>() : PluginLoader().loadFolder(folder);
+    printLine(stdout,
+              QStringLiteral("Plugins in %1: %2 module(s)")
+                  .arg(folder.isEmpty() ? QStringLiteral("(no folder)") : QDir::toNativeSeparators(folder))
+                  .arg(results.size()));
+    for (const PluginLoadResult& result : results) {
+        printLine(stdout, QStringLiteral("  ") + result.summary());
+        if (!result.loaded) {
+            printLine(stderr, result.refusal);
+            continue;
+        }
+        result.plugin->installPluginTranslation(qApp, locale);
+        HostControl::recordPluginRequests(result.plugin);
+    }
+    return results;
+}
+
+// Plugin objects must go while the application object and its services still exist.
+void releasePlugins(const QList<PluginLoadResult>& results)
+{
+    for (const PluginLoadResult& result : results)
+        delete result.instance.data();
+}
+} // namespace
+
+int main(int argc, char** argv)
+{
+    // The host runs as root in containers; the web engine's renderer refuses that unless sandboxing is off.
+    if (!qEnvironmentVariableIsSet(kSandboxVariable.constData()))
+        qputenv(kSandboxVariable.constData(), QByteArrayLiteral("1"));
+    QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
+    CVantrelApp app(argc, argv);
+
+    HostOptions options;
+    QString error;
+    if (!options.parse(app.arguments(), &error)) {
+        printLine(stderr, error);
+        return kExitBadInput;
+    }
+    if (!loadScenario(options))
+        return kExitBadInput;
+    HostControl::setSignedIn(!options.signedOut);
+
+    const QString locale = options.locale.isEmpty() ? QLocale().name() : options.locale;
+    if (!options.locale.isEmpty())
+        QLocale::setDefault(QLocale(options.locale));
+    const QString folder = pluginFolder(options);
+    const QList<PluginLoadResult> plugins = loadPlugins(folder, locale);
+
+    int exitCode = 0;
+    {
+        HostMainWindow window(folder, plugins);
+        app.setMainWidget(&window);
+        window.resize(options.windowSize);
+        window.show();
+        if (!options.screenshotFile.isEmpty()) {
+            QTimer::singleShot(options.screenshotDelayMs, &window, [&window, &options] {
+                const bool saved = saveScreenshot(&window, options.screenshotFile);
+                if (saved)
+                    printLine(stdout, QStringLiteral("Screenshot written to %1").arg(options.screenshotFile));
+                else
+                    printLine(
+                        stderr,
+                        QStringLiteral("Could not write the screenshot %1").arg(options.screenshotFile));
+                QCoreApplication::exit(saved ? 0 : kExitScreenshotFailed);
+            });
+        }
+        exitCode = app.exec();
+        app.setMainWidget(nullptr);
+    }
+    releasePlugins(plugins);
+    return exitCode;
+}

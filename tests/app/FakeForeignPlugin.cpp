@@ -1,0 +1,10 @@
+#include "FakeForeignPlugin.h"
+
+#include <cstdio>
+
+FakeForeignPlugin::FakeForeignPlugin(QObject* parent)
+    : QObject(parent)
+{
+    std::puts(kCreatedMessage);
+    std::fflush(stdout);
+}
