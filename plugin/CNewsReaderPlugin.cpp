@@ -1,17 +1,24 @@
 #include "CNewsReaderPlugin.h"
 
+#include "CCommunicationObjectModel.h"
+#include "CIconControl.h"
 #include "CNewsFetcher.h"
+#include "CPluginItemDelegate.h"
 #include "CPropertyBag.h"
 #include "CReadNewsEntryRequest.h"
 #include "CSettingsLoader.h"
 #include "CVantrelApp.h"
 #include "ConfigurableObjects.h"
+#include "HostColors.h"
 #include "HostWindows.h"
 #include "MetaTypes.h"
 #include "QtHelpersImages.h"
 
+#include <QGraphicsOpacityEffect>
+#include <QLabel>
 #include <QMetaMethod>
 #include <QStackedWidget>
+#include <QVBoxLayout>
 
 namespace {
 
@@ -21,6 +28,14 @@ const QString kShowNewsSetting = QStringLiteral("UIShowNews");
 
 // The page shown when the progress timer expires.
 constexpr int kInputAreaWaitPage = 1;
+// The right-hand page shown for a folder.
+constexpr int kFolderPage = 1;
+
+// The widget the host shows instead of an empty list.
+constexpr int kEmptyListMargin = 24;
+constexpr int kEmptyListIconSize = 96;
+constexpr qreal kEmptyListIconOpacity = 0.6;
+constexpr int kEmptyListTextPointSize = 11;
 
 } // namespace
 
@@ -34,14 +49,23 @@ CNewsReaderPlugin::CNewsReaderPlugin()
 
     if (vantrelApp)
         m_newsFetcher = vantrelApp->getNewsFetcher();
+    m_communicationModel = std::make_shared<CCommunicationObjectModel>();
+    auto* delegate = new CPluginItemDelegate();
+    setItemDelegate(delegate);
 
+    connect(delegate, &CPluginItemDelegate::hideMessageRequest, this,
+            &CNewsReaderPlugin::onHideNewsEntryClicked);
     if (vantrelApp) {
         connect(vantrelApp, &CVantrelApp::applicationEvent, this, &CNewsReaderPlugin::onApplicationEvent);
         connect(vantrelApp, &CVantrelApp::appBroadcastRequest, this,
                 &CNewsReaderPlugin::onAppBroadcastRequest);
     }
+    connect(m_communicationModel.get(), &CCommunicationObjectModel::modelPopulated, this,
+            &CNewsReaderPlugin::onCommunicationItemsModelPopulated);
     connectNewsFetcher();
     connect(&m_progressTimer, &QTimer::timeout, this, &CNewsReaderPlugin::onProgressTimeout);
+
+    m_communicationModel->populate();
 }
 
 CNewsReaderPlugin::~CNewsReaderPlugin() = default;
@@ -125,6 +149,64 @@ QString CNewsReaderPlugin::getPluginName() const
     return QObject::tr("Communications");
 }
 
+std::shared_ptr<QAbstractItemModel> CNewsReaderPlugin::getPluginModel()
+{
+    return m_communicationModel;
+}
+
+QWidget* CNewsReaderPlugin::createEmptyListWidget()
+{
+    if (m_communicationModel->rowCount() != 0)
+        return nullptr;
+
+    auto* widget = new QWidget();
+    auto* layout = new QVBoxLayout(widget);
+    layout->setContentsMargins(kEmptyListMargin, kEmptyListMargin, kEmptyListMargin, kEmptyListMargin);
+    layout->setSpacing(0);
+    layout->addStretch();
+
+    auto* icon = new CIconControl(widget);
+    icon->setMinimumSize(kEmptyListIconSize, kEmptyListIconSize);
+    icon->setIconSize(QSize(kEmptyListIconSize, kEmptyListIconSize));
+    icon->setIcon(qtHelpers::images::icon(QString::fromLatin1(kIconNoNews)));
+    auto* fade = new QGraphicsOpacityEffect(icon);
+    fade->setOpacity(kEmptyListIconOpacity);
+    icon->setGraphicsEffect(fade);
+    layout->addWidget(icon);
+
+    auto* label = new QLabel(QObject::tr("No communications received yet"), widget);
+    label->setWordWrap(true);
+    label->setAlignment(Qt::AlignCenter);
+    QFont font = label->font();
+    font.setPointSize(kEmptyListTextPointSize);
+    font.setWeight(QFont::Normal);
+    label->setFont(font);
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, getPaletteColor(clrPlaceholderText));
+    label->setPalette(palette);
+    layout->addWidget(label);
+    layout->addStretch();
+    return widget;
+}
+
+void CNewsReaderPlugin::restoreSelection()
+{
+    CCommunicationObjectModel* model = m_communicationModel.get();
+    for (int row = 0; row < model->rowCount(); ++row) {
+        const QModelIndex folder = model->index(row, 0);
+        if (folder.data(CCommunicationObjectModel::ExpandedRole).toBool())
+            emit listItemExpandRequest(folder);
+        if (!folder.data(CCommunicationObjectModel::FolderIdRole).toBool())
+            continue;
+        for (int child = 0; child < model->rowCount(folder); ++child)
+            emit listItemEditorRequest(model->index(child, 0, folder));
+    }
+    if (m_currentIndex.isValid())
+        emit listItemSelectionRequest(m_currentIndex, kSelectRowFlags);
+    else
+        selectItem(startItem());
+}
+
 void CNewsReaderPlugin::onPluginViewShown()
 {}
 
@@ -155,8 +237,21 @@ bool CNewsReaderPlugin::hasCustomToolbar() const
     return false;
 }
 
-void CNewsReaderPlugin::onPluginItemActivated(const QModelIndex&)
-{}
+void CNewsReaderPlugin::onPluginItemActivated(const QModelIndex& index)
+{
+    if (!index.data(CCommunicationObjectModel::IsFolderRole).toBool())
+        return;
+    if (index.data(CCommunicationObjectModel::ExpandedRole).toBool()) {
+        emit listItemCollapseRequest(index);
+        if (m_stackedWidget)
+            m_stackedWidget->setCurrentIndex(kFolderPage);
+        return;
+    }
+    m_expanding = true;
+    emit listItemExpandRequest(index);
+    emit listItemSelectionRequest(m_communicationModel->index(0, 0, index), kSelectRowFlags);
+    m_expanding = false;
+}
 
 void CNewsReaderPlugin::onPluginItemSelected(const QModelIndex& index, const QModelIndex&)
 {
@@ -195,8 +290,12 @@ void CNewsReaderPlugin::setCurrentIndex(const QModelIndex& index)
 void CNewsReaderPlugin::onRequestApplicationExit()
 {}
 
-void CNewsReaderPlugin::onHideNewsEntryClicked(const QModelIndex&)
-{}
+void CNewsReaderPlugin::onHideNewsEntryClicked(const QModelIndex& index)
+{
+    // The list follows when the fetcher reports the change.
+    if (index.isValid() && m_newsFetcher)
+        m_newsFetcher->markNewsEntryHidden(index.data(CCommunicationObjectModel::KeyRole).toString());
+}
 
 void CNewsReaderPlugin::onSetWebPageContentFinished(bool)
 {}
@@ -204,6 +303,17 @@ void CNewsReaderPlugin::onSetWebPageContentFinished(bool)
 void CNewsReaderPlugin::onCommunicationItemsModelPopulated()
 {
     refreshIcon(true);
+    if (isSelected())
+        restoreSelection();
+    if (!m_pendingNewsEntryId.isEmpty()) {
+        const QModelIndex requested = findEntry(m_pendingNewsEntryId);
+        if (requested.isValid()) {
+            selectItem(requested);
+            m_pendingNewsEntryId.clear();
+        }
+    }
+    if (!m_currentIndex.isValid() && m_viewSetUp)
+        selectItem(startItem());
 }
 
 void CNewsReaderPlugin::onEntryReadStatusChanged(Messenger::MessageEntryPtr)
@@ -211,11 +321,15 @@ void CNewsReaderPlugin::onEntryReadStatusChanged(Messenger::MessageEntryPtr)
     refreshIcon(!isSelected());
 }
 
-void CNewsReaderPlugin::onListItemExpanded(const QModelIndex&)
-{}
+void CNewsReaderPlugin::onListItemExpanded(const QModelIndex& index)
+{
+    m_communicationModel->setData(index, true, CCommunicationObjectModel::ExpandedRole);
+}
 
-void CNewsReaderPlugin::onListItemCollapsed(const QModelIndex&)
-{}
+void CNewsReaderPlugin::onListItemCollapsed(const QModelIndex& index)
+{
+    m_communicationModel->setData(index, false, CCommunicationObjectModel::ExpandedRole);
+}
 
 void CNewsReaderPlugin::onSyncViewRequest()
 {
@@ -264,9 +378,15 @@ void CNewsReaderPlugin::onApplicationEvent(QEvent* event)
     m_pendingRequestFlags = request->getFlags();
     event->accept();
 
-    // The entry is not listed yet: have the fetcher reload the conversations; the next population selects it.
-    if (m_newsFetcher)
+    const QModelIndex listed = findEntry(m_pendingNewsEntryId);
+    if (listed.isValid()) {
+        selectItem(listed);
+        m_pendingNewsEntryId.clear();
+    } else if (m_newsFetcher) {
+        // The entry is not listed yet: have the fetcher reload the conversations; the next population
+        // selects it.
         m_newsFetcher->startFetchIssues();
+    }
     setIsSelected(true);
 }
 
@@ -316,6 +436,32 @@ bool CNewsReaderPlugin::showNewsSetting() const
 bool CNewsReaderPlugin::fetcherHasAny(unsigned filter) const
 {
     return m_newsFetcher && m_newsFetcher->hasAny(CNewsFetcher::NewsListFilter::fromInt(filter));
+}
+
+void CNewsReaderPlugin::selectItem(const QModelIndex& index)
+{
+    if (!index.isValid())
+        return;
+    if (!index.data(CCommunicationObjectModel::IsFolderRole).toBool())
+        emit listItemExpandRequest(index.parent());
+    emit listItemSelectionRequest(index, kSelectRowFlags);
+}
+
+QModelIndex CNewsReaderPlugin::findEntry(const QString& id) const
+{
+    const QModelIndex index = m_communicationModel->indexForKey(id);
+    if (index.data(CCommunicationObjectModel::IsFolderRole).toBool())
+        return {};
+    return index;
+}
+
+QModelIndex CNewsReaderPlugin::startItem() const
+{
+    const QModelIndex first = m_communicationModel->index(0, 0);
+    if (!first.isValid() ||
+        first.data(CCommunicationObjectModel::FolderIdRole).toInt() == kNoStartSelectionFolderId)
+        return {};
+    return m_communicationModel->index(0, 0, first);
 }
 
 void CNewsReaderPlugin::onProgressTimeout()

@@ -17,6 +17,7 @@
 
 #include <memory>
 
+class CCommunicationObjectModel;
 class CNewsFetcher;
 class QStackedWidget;
 
@@ -42,6 +43,12 @@ public:
     // How often the task-bar button flashes when news arrive while the host is in the background.
     static constexpr unsigned kFlashCount = 10;
 
+    // Selection flags of the plugin's selection requests (the host's value 19): clear, select, make current.
+    static constexpr QItemSelectionModel::SelectionFlags kSelectRowFlags =
+        QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Current;
+    // The folder type whose first entry is never selected at start (the history of offers).
+    static constexpr int kNoStartSelectionFolderId = 2;
+
     CNewsReaderPlugin();
     ~CNewsReaderPlugin() override;
 
@@ -57,6 +64,9 @@ public:
     // IKolPlugin side.
     QWidget* releaseEmptyListWidget() override;
     QString getPluginName() const override;
+    std::shared_ptr<QAbstractItemModel> getPluginModel() override;
+    QWidget* createEmptyListWidget() override;
+    void restoreSelection() override;
     void onPluginViewShown() override;
     QString getTranslationName() const override;
     QString getTooltip() const override;
@@ -102,6 +112,12 @@ private:
     bool showNewsSetting() const;
     bool fetcherHasAny(unsigned filter) const;
     void onProgressTimeout();
+    // Expands the entry's folder and asks the host to select the item.
+    void selectItem(const QModelIndex& index);
+    // The listed news entry or conversation with that id, or the invalid index.
+    QModelIndex findEntry(const QString& id) const;
+    // The item the list starts with when nothing is selected yet.
+    QModelIndex startItem() const;
 
     // Members in the order of their creation; they are released in reverse.
     QPersistentModelIndex m_currentIndex;
@@ -112,8 +128,12 @@ private:
     CFilePreviewManager m_previewManager;
     QTimer m_progressTimer;
     std::shared_ptr<CNewsFetcher> m_newsFetcher;
+    std::shared_ptr<CCommunicationObjectModel> m_communicationModel;
+    QPointer<QStackedWidget> m_stackedWidget;
     QPointer<QStackedWidget> m_inputAreaStack;
     QPointer<QWidget> m_emptyListWidget;
     int m_pendingRequestFlags = 0;
     bool m_viewSetUp = false;
+    // Raised while the plugin itself expands a folder, so that the folder's own page is not shown.
+    bool m_expanding = false;
 };

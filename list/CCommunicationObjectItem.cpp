@@ -1,0 +1,7 @@
+#include "CCommunicationObjectItem.h"
+
+CCommunicationObjectItem::CCommunicationObjectItem(QObject* parent)
+    : QObject(parent)
+{}
+
+CCommunicationObjectItem::~CCommunicationObjectItem() = default;
