@@ -1,0 +1,142 @@
+// Bubble painting of the thread document's layout, sampled from rendered pixels.
+#include "HostTestMain.h"
+
+#include "CMessageItemsDocument.h"
+#include "QTextDocumentLayout.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QPainter>
+#include <QTextTable>
+
+class TestMessageDocumentLayout : public QObject
+{
+    Q_OBJECT
+
+    static CIncidentCommunication message(bool other)
+    {
+        CIncidentCommunication m;
+        m.id = other ? "o" : "s";
+        m.fromOtherParty = other;
+        m.text = "A line of text that is long enough for a bubble";
+        m.time = QDateTime(QDate(2024, 1, 2), QTime(3, 4));
+        return m;
+    }
+
+    static QImage render(QTextDocument& doc)
+    {
+        doc.setTextWidth(500);
+        const QSize size = doc.documentLayout()->documentSize().toSize() + QSize(10, 10);
+        QImage image(size, QImage::Format_ARGB32_Premultiplied);
+        image.fill(CVantrelApp::GetColor(clrThreadBackground));
+        QPainter painter(&image);
+        doc.drawContents(&painter);
+        return image;
+    }
+
+    static QRectF bubbleRect(CMessageItemsDocument& doc, const CMessageItemIndex& index)
+    {
+        auto* layout = static_cast<newsReader::QTextDocumentLayout*>(doc.documentLayout());
+        return layout->tableCellBoundingRect(index.frame, index.frame->cellAt(0, 1));
+    }
+
+private slots:
+    void roundsEveryCornerButTheOneNextToTheSender_data()
+    {
+        QTest::addColumn<bool>("other");
+        QTest::addColumn<int>("squareCorner"); // 0 top-left, 1 top-right, 2 bottom-right, 3 bottom-left
+        QTest::newRow("other party") << true << 3;
+        QTest::newRow("own") << false << 2;
+    }
+    void roundsEveryCornerButTheOneNextToTheSender()
+    {
+        QFETCH(bool, other);
+        QFETCH(int, squareCorner);
+        CMessageItemsDocument doc;
+        const CMessageItemIndex index = doc.appendMessage(message(other));
+        const QImage image = render(doc);
+        const QRect bubble = bubbleRect(doc, index).toRect();
+        const QColor fill = CVantrelApp::GetColor(other ? clrBubbleOther : clrBubbleOwn);
+        QCOMPARE(image.pixelColor(bubble.center()), fill);
+        const QPoint corners[] = {bubble.topLeft() + QPoint(1, 1), bubble.topRight() + QPoint(-1, 1),
+                                  bubble.bottomRight() + QPoint(-1, -1), bubble.bottomLeft() + QPoint(1, -1)};
+        for (int i = 0; i < 4; ++i) {
+            if (i == squareCorner)
+                QCOMPARE(image.pixelColor(corners[i]), fill);
+            else
+                QVERIFY2(image.pixelColor(corners[i]) != fill, qPrintable(QString::number(i)));
+        }
+    }
+
+    void shadowReachesRightAndBelowOnly()
+    {
+        CMessageItemsDocument doc;
+        const CMessageItemIndex index = doc.appendMessage(message(false));
+        const QImage image = render(doc);
+        const QRectF bubble = bubbleRect(doc, index);
+        const QColor page = CVantrelApp::GetColor(clrThreadBackground);
+        const int midX = int(bubble.center().x());
+        const int midY = int(bubble.center().y());
+        QVERIFY(image.pixelColor(int(bubble.right()) + 2, midY) != page);
+        QVERIFY(image.pixelColor(midX, int(bubble.bottom()) + 2) != page);
+        QCOMPARE(image.pixelColor(int(bubble.right()) + 7, midY), page);
+        QCOMPARE(image.pixelColor(midX, int(bubble.bottom()) + 7), page);
+        QCOMPARE(image.pixelColor(midX, int(bubble.top()) - 3), page);
+        QCOMPARE(image.pixelColor(int(bubble.left()) - 4, midY), page);
+    }
+
+    void cachedShadowGivesIdenticalPixels()
+    {
+        CMessageItemsDocument doc;
+        doc.appendMessage(message(true));
+        doc.appendMessage(message(false));
+        auto* layout = static_cast<newsReader::QTextDocumentLayout*>(doc.documentLayout());
+        const QImage cold = render(doc);
+        const int computed = layout->shadowCache().misses();
+        QCOMPARE(computed, 2);
+        const QImage warm = render(doc);
+        QCOMPARE(layout->shadowCache().misses(), computed);
+        QCOMPARE(warm, cold);
+    }
+
+    void failureTintLiesBeneathTheRoundedBubble()
+    {
+        CMessageItemsDocument doc;
+        const CMessageItemIndex index = doc.appendMessage(message(false));
+        doc.setDeliveryStatus(index, CMessageItemsDocument::DeliveryFailed);
+        const QImage image = render(doc);
+        const QRect bubble = bubbleRect(doc, index).toRect();
+        auto* layout = static_cast<newsReader::QTextDocumentLayout*>(doc.documentLayout());
+        const QRectF table = layout->tableBoundingRect(index.frame).adjusted(100, 0, -16, -16);
+        // Inside the table's border and beyond the shadow's band the tint shows; the bubble itself is painted
+        // over it.
+        QCOMPARE(image.pixelColor(int(table.left()) + 1, bubble.center().y()),
+                 CVantrelApp::GetColor(clrFailureTint));
+        QCOMPARE(image.pixelColor(bubble.center()), CVantrelApp::GetColor(clrBubbleOwn));
+        // The shared format collection is restored after painting.
+        QCOMPARE(index.frame->format().background().color(), CVantrelApp::GetColor(clrFailureTint));
+        QCOMPARE(index.frame->cellAt(0, 1).format().background().color(),
+                 CVantrelApp::GetColor(clrBubbleOwn));
+    }
+
+    void plainCellBackgroundStaysSquare()
+    {
+        QTextDocument doc;
+        doc.setDocumentLayout(new newsReader::QTextDocumentLayout(&doc));
+        QTextCursor cursor(&doc);
+        QTextTableFormat format;
+        format.setCellPadding(10);
+        QTextTable* table = cursor.insertTable(1, 1, format);
+        QTextTableCellFormat cell;
+        cell.setBackground(Qt::red);
+        table->cellAt(0, 0).setFormat(cell);
+        table->cellAt(0, 0).firstCursorPosition().insertText("cell");
+        const QImage image = render(doc);
+        auto* layout = static_cast<newsReader::QTextDocumentLayout*>(doc.documentLayout());
+        const QRect rect = layout->tableCellBoundingRect(table, table->cellAt(0, 0)).toRect();
+        QCOMPARE(image.pixelColor(rect.topLeft() + QPoint(1, 1)), QColor(Qt::red));
+        QCOMPARE(image.pixelColor(rect.bottomRight() - QPoint(1, 1)), QColor(Qt::red));
+    }
+};
+
+HOST_TEST_MAIN(TestMessageDocumentLayout)
+#include "tst_messagedocumentlayout.moc"

@@ -1,0 +1,101 @@
+#pragma once
+// The rich-text document that shows one support conversation as a column of chat bubbles. Every message is
+// one two-column table in the root frame (avatar and bubble); the document remembers per message id where
+// that table is, so that the plugin can later replace, remove or update a message, mark its delivery state
+// and show attachment progress and thumbnails in it. It installs its own layout, which paints the rounded
+// bubbles and draws its images. Owned by the plugin; reports no errors (unknown messages are ignored).
+
+#include "CMessageItemIndex.h"
+
+#include <QHash>
+#include <QTextBlock>
+#include <QTextCursor>
+#include <QTextDocument>
+
+#include <functional>
+#include <optional>
+
+class WatcherAliases;
+
+class CMessageItemsDocument : public QTextDocument
+{
+    Q_OBJECT
+
+public:
+    enum DeliveryStatus
+    {
+        NotDelivered = 0,
+        Delivered = 1,
+        DeliveryFailed = 2,
+    };
+    Q_ENUM(DeliveryStatus)
+
+    CMessageItemsDocument();
+    ~CMessageItemsDocument() override;
+
+    void clear() override;
+
+    CMessageItemIndex appendMessage(const CIncidentCommunication& message);
+    CMessageItemIndex insertMessage(const CIncidentCommunication& message, const QTextCursor& at,
+                                    bool registerIt);
+    CMessageItemIndex replaceMessage(const CMessageItemIndex& old, const CIncidentCommunication& message);
+    // Inserts before it removes: a record whose id is already registered is refused, and the old message
+    // still goes (used to put the server's version in place of a locally built, unregistered one).
+    void updateMessage(const CMessageItemIndex& old, const CIncidentCommunication& message);
+    void removeMessage(const CMessageItemIndex& index);
+
+    CMessageItemIndex messageIndex(const QString& id) const;
+    CMessageItemIndex findOlderVersion(const CIncidentCommunication& message) const;
+    void updatePartyNames(std::function<WatcherAliases(const QString& authorId)> aliasesOf);
+
+    QTextCursor endCursor();
+    QRectF frameRect(const CMessageItemIndex& index) const;
+    QRectF anchorRect(const QString& href) const;
+
+    void setDeliveryStatus(const CMessageItemIndex& index, DeliveryStatus status);
+
+    void setContentsThumbnail(const CMessageItemIndex& index, const QString& attachmentId,
+                              const QPixmap& thumbnail);
+    void setAttachUploadProgress(const CMessageItemIndex& index, const QString& attachmentId, int percent);
+    void setAttachProgress(const QString& attachmentId, int percent);
+
+    // Whether a body is shown as HTML (it holds some element with its matching closing tag on one line) or
+    // as Markdown. Runs in time linear in the body's length, whatever the body holds.
+    static bool isHtmlBody(const QString& body);
+
+    // Names of the fixed image resources.
+    static const QString AvatarImage;
+    static const QString DeliveredImage;
+    static const QString NotDeliveredImage;
+    static const QString DeliveryFailedImage;
+
+private:
+    friend class TestMessageItemsDocument;
+    friend class TestMessageStates;
+    friend class TestAttachmentTiles;
+
+    using BlockPredicate = std::function<bool(const QTextBlock&)>;
+
+    void addFixedResources();
+    void insertAuthorLine(QTextCursor& cursor, const CIncidentCommunication& message);
+    void insertAttachmentTable(QTextCursor& cursor, const CIncidentAttachment& attachment, bool first);
+    void insertBody(QTextCursor& cursor, const CIncidentCommunication& message);
+    void insertFooter(QTextCursor& cursor, const CIncidentCommunication& message);
+    void insertSizeLine(QTextCursor& cursor, const CIncidentAttachment& attachment, qreal bottomMargin);
+    QString extensionIcon(const CIncidentAttachment& attachment);
+
+    void setDeliveryStatusForFrame(QTextTable* table, DeliveryStatus status);
+    void insertDeliveryStatus(QTextCursor& cursor, DeliveryStatus status);
+    QString makeProgressImage(int percent, const QString& fileName, bool cancellable);
+    bool hasImage(const QString& name) const;
+
+    QTextBlock findBlock(QTextTable* table, int column, const BlockPredicate& predicate) const;
+    QTextBlock findBlockInFrame(QTextFrame* frame, const BlockPredicate& predicate) const;
+    QTextBlock findInDocument(const BlockPredicate& predicate) const;
+    QTextBlock findBlockWithAnchor(const QString& href) const;
+    QTextBlock findAttachmentLinkBlock(const QString& attachmentId) const;
+    QTextBlock findAttachmentIconBlock(const QString& attachmentId) const;
+    QTextTable* findAttachmentTable(const CMessageItemIndex& index, const QString& attachmentId) const;
+
+    std::optional<QHash<QString, CMessageItemIndex>> m_register;
+};

@@ -1,0 +1,278 @@
+#include "QTextDocumentLayout.h"
+
+#include "CColorIndexes.h"
+#include "CVantrelApp.h"
+#include "MessageFormatProperties.h"
+#include "TextImageHandler.h"
+
+#include <QPainter>
+#include <QScopeGuard>
+#include <QTextTable>
+#include <QVarLengthArray>
+#include <QtGui/private/qtextdocument_p.h>
+#include <QtGui/private/qtextformat_p.h>
+
+#include <algorithm>
+
+extern Q_GUI_EXPORT int qt_defaultDpi();
+
+namespace newsReader {
+
+namespace {
+
+using namespace MessageFormatProperties;
+
+constexpr int kRadiusProperties[] = {TopLeftRadius, TopRightRadius, BottomRightRadius, BottomLeftRadius};
+
+// A background that paints nothing is left to the base layout: taking it over would only cost time.
+bool paintsSomething(const QBrush& brush)
+{
+    if (brush.style() == Qt::NoBrush)
+        return false;
+    return brush.style() != Qt::SolidPattern || brush.color().alpha() != 0;
+}
+
+bool hasAnyRadius(const QTextFormat& format)
+{
+    return std::any_of(std::begin(kRadiusProperties), std::end(kRadiusProperties),
+                       [&](int property) { return format.hasProperty(property); });
+}
+
+CBubbleShadowCache::Radii radiiOf(const QTextFormat& format)
+{
+    CBubbleShadowCache::Radii radii{};
+    for (int i = 0; i < 4; ++i)
+        radii[i] = std::max(0.0, format.doubleProperty(kRadiusProperties[i]));
+    return radii;
+}
+
+} // namespace
+
+struct QTextDocumentLayout::Background
+{
+    QTextFormat format;
+    QRectF rect;
+    QBrush brush;
+    int formatIndex;
+};
+
+QTextDocumentLayout::QTextDocumentLayout(QTextDocument* document)
+    : ::QTextDocumentLayout(document)
+    , m_imageHandler(new TextImageHandler(this))
+{
+    registerHandler(QTextFormat::ImageObject, m_imageHandler);
+}
+
+QTextDocumentLayout::~QTextDocumentLayout() = default;
+
+void QTextDocumentLayout::collectChildFrames(QTextFrame* frame, const QRectF& visible, qreal scale,
+                                             std::vector<Background>& out) const
+{
+    const QList<QTextFrame*> children = frame->childFrames();
+    auto rectOf = [this](QTextFrame* child) {
+        if (auto* table = qobject_cast<QTextTable*>(child))
+            return tableBoundingRect(table);
+        return frameBoundingRect(child);
+    };
+    auto first = children.cbegin();
+    if (!frame->parentFrame()) {
+        // The root frame's children follow one another downwards, so the visible ones are found by bisection:
+        // a long thread is not walked from its top on every paint.
+        first = std::partition_point(children.cbegin(), children.cend(), [&](QTextFrame* child) {
+            return rectOf(child).bottom() < visible.top();
+        });
+    }
+    for (auto it = first; it != children.cend(); ++it) {
+        if (!frame->parentFrame() && rectOf(*it).top() > visible.bottom())
+            break;
+        collectFrame(*it, visible, scale, out);
+    }
+}
+
+void QTextDocumentLayout::collectFrame(QTextFrame* frame, const QRectF& visible, qreal scale,
+                                       std::vector<Background>& out) const
+{
+    if (auto* table = qobject_cast<QTextTable*>(frame)) {
+        collectTable(table, visible, scale, out);
+        return;
+    }
+    const QRectF outer = frameBoundingRect(frame);
+    if (!outer.intersects(visible))
+        return;
+    const QTextFrameFormat format = frame->frameFormat();
+    const QBrush brush = format.background();
+    if (paintsSomething(brush)) {
+        const qreal border = format.border() * scale;
+        const QRectF inner = outer.adjusted(
+            format.leftMargin() * scale + border, format.topMargin() * scale + border,
+            -(format.rightMargin() * scale + border), -(format.bottomMargin() * scale + border));
+        out.push_back({format, inner, brush, frame->formatIndex()});
+    }
+    collectChildFrames(frame, visible, scale, out);
+}
+
+void QTextDocumentLayout::collectTable(QTextTable* table, const QRectF& visible, qreal scale,
+                                       std::vector<Background>& out) const
+{
+    const QRectF outer = tableBoundingRect(table);
+    if (!outer.intersects(visible))
+        return;
+    const QTextTableFormat format = table->format();
+    const QBrush brush = format.background();
+    if (paintsSomething(brush)) {
+        const qreal border = format.border() * scale;
+        const QRectF inner = outer.adjusted(
+            format.leftMargin() * scale + border, format.topMargin() * scale + border,
+            -(format.rightMargin() * scale + border), -(format.bottomMargin() * scale + border));
+        out.push_back({format, inner, brush, table->formatIndex()});
+    }
+
+    const QList<QTextFrame*> nested = table->childFrames();
+    for (int row = 0; row < table->rows(); ++row) {
+        for (int column = 0; column < table->columns(); ++column) {
+            const QTextTableCell cell = table->cellAt(row, column);
+            if (cell.row() != row || cell.column() != column)
+                continue; // covered by a spanning cell, handled at its origin
+            const QTextCharFormat cellFormat = cell.format();
+            const QBrush cellBrush = cellFormat.background();
+            if (paintsSomething(cellBrush)) {
+                const QRectF rect = tableCellBoundingRect(table, cell);
+                if (rect.intersects(visible))
+                    out.push_back({cellFormat, rect, cellBrush, cell.tableCellFormatIndex()});
+            }
+            for (QTextFrame* child : nested) {
+                if (table->cellAt(child->firstPosition()) == cell)
+                    collectFrame(child, visible, scale, out);
+            }
+        }
+    }
+}
+
+void QTextDocumentLayout::draw(QPainter* painter, const PaintContext& context)
+{
+    QTextDocument* doc = document();
+    if (doc->pageSize().isNull()) {
+        ::QTextDocumentLayout::draw(painter, context);
+        return;
+    }
+    if (context.clip.isValid())
+        ensureLayouted(context.clip.bottom());
+
+    const QRectF area = context.clip.isValid() ? context.clip : QRectF(QPointF(0, 0), dynamicDocumentSize());
+    // A shadow reaches beyond its background, so a background just outside the area may still paint into it.
+    const QRectF visible = area.adjusted(-ShadowRight, -ShadowBottom, ShadowLeft, ShadowTop);
+    const qreal scale =
+        paintDevice() ? qreal(paintDevice()->logicalDpiY()) / qreal(qt_defaultDpi()) : qreal(1.0);
+
+    std::vector<Background> backgrounds;
+    QTextFrame* root = doc->rootFrame();
+    const QTextFrameFormat rootFormat = root->frameFormat();
+    // The root background lies beneath everything, so it must be painted before the bubbles, not by the base.
+    if (paintsSomething(rootFormat.background()))
+        backgrounds.push_back({rootFormat, area, rootFormat.background(), root->formatIndex()});
+    collectChildFrames(root, visible, scale, backgrounds);
+
+    // The base layout paints everything else; it runs with the backgrounds we painted cleared from the
+    // shared format collection, and the formats are restored as soon as it returns.
+    QList<QTextFormat>& formats = QTextDocumentPrivate::get(doc)->formatCollection()->formats;
+    QVarLengthArray<std::pair<int, QTextFormat>, 16> saved;
+    auto restore = qScopeGuard([&] {
+        for (const auto& [index, format] : saved)
+            formats[index] = format;
+    });
+    for (const Background& background : backgrounds) {
+        const int index = background.formatIndex;
+        if (index < 0 || index >= formats.size())
+            continue;
+        const bool known = std::any_of(saved.cbegin(), saved.cend(),
+                                       [index](const auto& entry) { return entry.first == index; });
+        if (!known) {
+            saved.append({index, formats.at(index)});
+            formats[index].clearProperty(QTextFormat::BackgroundBrush);
+        }
+    }
+
+    for (const Background& background : backgrounds)
+        drawBackground(background.format, painter, background.rect, background.brush);
+    ::QTextDocumentLayout::draw(painter, context);
+}
+
+void QTextDocumentLayout::drawBackground(const QTextFormat& format, QPainter* painter, const QRectF& rect,
+                                         const QBrush& brush)
+{
+    painter->save();
+    if (format.boolProperty(Shadow)) {
+        const QColor page = CVantrelApp::GetColor(clrThreadBackground);
+        const QImage shadow =
+            m_shadows.shadow(rect.size(), radiiOf(format), page,
+                             [&](QPainter* p, const QRectF& shape, const QBrush& shapeBrush) {
+                                 fillRoundedBackground(format, p, shape, shapeBrush);
+                             });
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setClipping(false);
+        const QRectF target = rect.adjusted(-ShadowLeft, -ShadowTop, ShadowRight, ShadowBottom);
+        QRectF source(QPointF(0, 0), target.size());
+        source.moveCenter(QRectF(shadow.rect()).center());
+        painter->drawImage(target, shadow, source);
+        painter->restore();
+    }
+    fillRoundedBackground(format, painter, rect, brush);
+    painter->restore();
+}
+
+void QTextDocumentLayout::fillRoundedBackground(const QTextFormat& format, QPainter* painter,
+                                                const QRectF& rect, const QBrush& brush) const
+{
+    painter->save();
+    auto restore = qScopeGuard([painter] { painter->restore(); });
+    if (!hasAnyRadius(format)) {
+        painter->fillRect(rect, brush);
+        return;
+    }
+
+    const auto [r1, r2, r3, r4] = radiiOf(format);
+    const qreal left = std::max(r1, r4);
+    const qreal right = std::max(r2, r3);
+    const qreal top = std::max(r1, r2);
+    const qreal bottom = std::max(r3, r4);
+    const qreal l = rect.left();
+    const qreal t = rect.top();
+    const qreal r = rect.right();
+    const qreal b = rect.bottom();
+    const qreal w = rect.width();
+    const qreal h = rect.height();
+
+    struct Piece
+    {
+        QRectF rect;
+        qreal radius;
+    };
+    // Each corner piece reaches its radius beyond its own row and column, so that only its outer corner
+    // shows rounded and its inner corners lie under the neighbouring edges and the centre.
+    const Piece pieces[] = {
+        {{l, t, left + r1, top + r1}, r1},
+        {{l + left, t, w - left - right, top}, 0.0},
+        {{r - right - r2, t, right + r2, top + r2}, r2},
+        {{r - right, t + top, right, h - top - bottom}, 0.0},
+        {{r - right - r3, b - bottom - r3, right + r3, bottom + r3}, r3},
+        {{l + left, b - bottom, w - left - right, bottom}, 0.0},
+        {{l, b - bottom - r4, left + r4, bottom + r4}, r4},
+        {{l, t + top, left, h - top - bottom}, 0.0},
+    };
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(brush);
+    for (const Piece& piece : pieces) {
+        if (piece.rect.width() <= 0 || piece.rect.height() <= 0)
+            continue; // a bubble narrower than its corners: the edge has nothing to paint
+        if (piece.radius > 0)
+            painter->drawRoundedRect(piece.rect, piece.radius, piece.radius, Qt::AbsoluteSize);
+        else
+            painter->drawRect(piece.rect);
+    }
+    const QRectF centre = rect.adjusted(left, top, -right, -bottom);
+    if (centre.width() > 0 && centre.height() > 0)
+        painter->fillRect(centre, brush);
+}
+
+} // namespace newsReader

@@ -1,0 +1,56 @@
+#pragma once
+// The thread document's layout: the toolkit's rich-text document layout in every respect (lazy layout, hit
+// testing, selections, lists, tables, images) except that it paints the backgrounds of frames and table
+// cells itself, with individually rounded corners and a soft shadow where the format asks for them (this
+// is what turns message tables into chat bubbles), and draws images through TextImageHandler.
+// Lives in our namespace so that it never collides with the toolkit's private class of the same name,
+// from which it derives. Created and installed by CMessageItemsDocument, which then owns it.
+
+#include "CBubbleShadowCache.h"
+
+#include <QtGui/private/qtextdocumentlayout_p.h>
+
+class QTextTable;
+class TextImageHandler;
+
+namespace newsReader {
+
+class QTextDocumentLayout : public ::QTextDocumentLayout
+{
+    Q_OBJECT
+
+public:
+    explicit QTextDocumentLayout(QTextDocument* document);
+    ~QTextDocumentLayout() override;
+
+    void draw(QPainter* painter, const PaintContext& context) override;
+
+    TextImageHandler* imageHandler() const { return m_imageHandler; }
+    const CBubbleShadowCache& shadowCache() const { return m_shadows; }
+
+    // How far a shadow reaches beyond its background: left, top, right, bottom.
+    static constexpr qreal ShadowLeft = 2.0;
+    static constexpr qreal ShadowTop = 1.0;
+    static constexpr qreal ShadowRight = 5.0;
+    static constexpr qreal ShadowBottom = 5.0;
+
+private:
+    struct Background;
+
+    void collectFrame(QTextFrame* frame, const QRectF& visible, qreal scale,
+                      std::vector<Background>& out) const;
+    void collectTable(QTextTable* table, const QRectF& visible, qreal scale,
+                      std::vector<Background>& out) const;
+    void collectChildFrames(QTextFrame* frame, const QRectF& visible, qreal scale,
+                            std::vector<Background>& out) const;
+
+    void drawBackground(const QTextFormat& format, QPainter* painter, const QRectF& rect,
+                        const QBrush& brush);
+    void fillRoundedBackground(const QTextFormat& format, QPainter* painter, const QRectF& rect,
+                               const QBrush& brush) const;
+
+    TextImageHandler* m_imageHandler = nullptr;
+    CBubbleShadowCache m_shadows;
+};
+
+} // namespace newsReader
