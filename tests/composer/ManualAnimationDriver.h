@@ -3,6 +3,7 @@
 // the process; setTime() moves the clock and advances the animations to that moment.
 
 #include <QAnimationDriver>
+#include <QCoreApplication>
 
 class ManualAnimationDriver : public QAnimationDriver
 {
@@ -14,6 +15,8 @@ public:
 
     void setTime(qint64 milliseconds)
     {
+        // Animations that were started register with the animation timer through a queued call.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::MetaCall);
         m_time = milliseconds;
         advance();
     }
