@@ -4,10 +4,6 @@
 <context>
     <name>QObject</name>
     <message>
-        <source>Communications</source>
-        <translation>Kommunikation</translation>
-    </message>
-    <message>
         <source>%1 is typing message...</source>
         <translation>%1 schreibt eine Nachricht...</translation>
     </message>
@@ -26,6 +22,118 @@
     <message>
         <source>%s are typing messages</source>
         <translation>%1 schreiben gerade Nachrichten</translation>
+    </message>
+    <message>
+        <source>Issues</source>
+        <translation>Anfragen</translation>
+    </message>
+    <message>
+        <source>Important messages</source>
+        <translation>Wichtige Nachrichten</translation>
+    </message>
+    <message>
+        <source>Offers</source>
+        <translation>Angebote</translation>
+    </message>
+    <message>
+        <source>Offers history</source>
+        <translation>Frühere Angebote</translation>
+    </message>
+    <message>
+        <source>Click to hide this message</source>
+        <translation>Klicken, um diese Nachricht auszublenden</translation>
+    </message>
+    <message>
+        <source>Message is deleted</source>
+        <translation>Nachricht wurde gelöscht</translation>
+    </message>
+    <message>
+        <source>(edited)</source>
+        <translation>(bearbeitet)</translation>
+    </message>
+    <message>
+        <source>Normal</source>
+        <translation>Normal</translation>
+    </message>
+    <message>
+        <source>Heading 1</source>
+        <translation>Überschrift 1</translation>
+    </message>
+    <message>
+        <source>Heading 2</source>
+        <translation>Überschrift 2</translation>
+    </message>
+    <message>
+        <source>Heading 3</source>
+        <translation>Überschrift 3</translation>
+    </message>
+    <message>
+        <source>Heading 4</source>
+        <translation>Überschrift 4</translation>
+    </message>
+    <message>
+        <source>Monospaced</source>
+        <translation>Festbreitenschrift</translation>
+    </message>
+    <message>
+        <source>Screenshot %1.png</source>
+        <translation>Bildschirmfoto %1.png</translation>
+    </message>
+    <message>
+        <source>Attachment name can&apos;t contain any of the following characters: %2</source>
+        <translation>Der Name des Anhangs darf keines der folgenden Zeichen enthalten: %2</translation>
+    </message>
+    <message>
+        <source>Click to remove this attachment</source>
+        <translation>Klicken, um diesen Anhang zu entfernen</translation>
+    </message>
+    <message>
+        <source>CKOLDialog (%1): no control found: %2</source>
+        <translation>CKOLDialog (%1): kein Steuerelement gefunden: %2</translation>
+    </message>
+    <message>
+        <source>Write us a message!</source>
+        <translation>Schreiben Sie uns eine Nachricht!</translation>
+    </message>
+    <message>
+        <source>Please specify a subject of your inquiry to start chat with support.</source>
+        <translation>Bitte geben Sie einen Betreff für Ihre Anfrage an, um den Chat mit dem Support zu beginnen.</translation>
+    </message>
+    <message>
+        <source>Please specify a message to start chat with support.</source>
+        <translation>Bitte geben Sie eine Nachricht ein, um den Chat mit dem Support zu beginnen.</translation>
+    </message>
+    <message>
+        <source>The message is too long, please make it shorter.</source>
+        <translation>Die Nachricht ist zu lang, bitte kürzen Sie sie.</translation>
+    </message>
+    <message>
+        <source>Creating new communication...</source>
+        <translation>Neue Unterhaltung wird erstellt...</translation>
+    </message>
+    <message>
+        <source>Sorry, we couldn&apos;t start chat with Support. Please try again later.</source>
+        <translation>Leider konnten wir den Chat mit dem Support nicht starten. Bitte versuchen Sie es später erneut.</translation>
+    </message>
+    <message>
+        <source>Error reason:</source>
+        <translation>Fehlerursache:</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Schließen</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>Communications</source>
+        <translation>Kommunikation</translation>
+    </message>
+    <message>
+        <source>No communications received yet</source>
+        <translation>Noch keine Mitteilungen erhalten</translation>
     </message>
 </context>
 </TS>

@@ -1,8 +1,11 @@
 // What the plugin object answers the host and asks of it, on a plugin constructed inside the stand-in host.
 #include "HostTestMain.h"
 
+#include "CIncidentAttachment.h"
+#include "CIncidentCommunication.h"
 #include "CNewsReaderPlugin.h"
 #include "CReadNewsEntryRequest.h"
+#include "EntityDto.h"
 #include "QtHelpersImages.h"
 
 #include <QSignalSpy>
