@@ -44,6 +44,7 @@ CNewsReaderPlugin::CNewsReaderPlugin()
     , m_pluginIconName(QString::fromLatin1(kIconNoNews))
     , m_pluginIcon(qtHelpers::images::icon(m_pluginIconName))
     , m_previewManager(nullptr)
+    , m_typingViewModel(this)
 {
     newsReader::registerMetaTypes();
 
@@ -62,6 +63,11 @@ CNewsReaderPlugin::CNewsReaderPlugin()
     }
     connect(m_communicationModel.get(), &CCommunicationObjectModel::modelPopulated, this,
             &CNewsReaderPlugin::onCommunicationItemsModelPopulated);
+    const auto announceCanSend = [this] { emit notifyCanSendMessage(canSendMessage()); };
+    connect(&m_attachmentsModel, &QAbstractItemModel::rowsInserted, this, announceCanSend);
+    connect(&m_attachmentsModel, &QAbstractItemModel::rowsRemoved, this, announceCanSend);
+    connect(&m_typingViewModel, &TypingViewModel::typingDataChanged, this,
+            &CNewsReaderPlugin::onTypingDataChanged);
     connectNewsFetcher();
     connect(&m_progressTimer, &QTimer::timeout, this, &CNewsReaderPlugin::onProgressTimeout);
 
@@ -366,8 +372,11 @@ void CNewsReaderPlugin::onThreadIsBeingEdited(CIncidentCommunication, bool)
 void CNewsReaderPlugin::onWatchersCacheChanged()
 {}
 
-void CNewsReaderPlugin::onTypingDataChanged(QString)
-{}
+void CNewsReaderPlugin::onTypingDataChanged(QString label)
+{
+    if (m_typingLabel)
+        m_typingLabel->setText(label);
+}
 
 void CNewsReaderPlugin::onApplicationEvent(QEvent* event)
 {
@@ -469,4 +478,14 @@ void CNewsReaderPlugin::onProgressTimeout()
     m_progressTimer.stop();
     if (m_inputAreaStack)
         m_inputAreaStack->setCurrentIndex(kInputAreaWaitPage);
+}
+
+bool CNewsReaderPlugin::canSendMessage() const
+{
+    return !messageText().isEmpty() || m_attachmentsModel.rowCount() > 0;
+}
+
+QString CNewsReaderPlugin::messageText() const
+{
+    return QString();
 }

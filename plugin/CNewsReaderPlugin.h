@@ -6,9 +6,12 @@
 
 #include "AppBroadcastRequest.h"
 #include "CAbstractKolPlugin.h"
+#include "CAttachmentsModel.h"
 #include "CFilePreviewManager.h"
 #include "CIncidentCommunication.h"
+#include "CMessageItemsDocument.h"
 #include "MessageEntry.h"
+#include "TypingViewModel.h"
 
 #include <QIcon>
 #include <QPersistentModelIndex>
@@ -19,6 +22,7 @@
 
 class CCommunicationObjectModel;
 class CNewsFetcher;
+class QLabel;
 class QStackedWidget;
 
 class CNewsReaderPlugin : public CAbstractKolPlugin
@@ -112,6 +116,10 @@ private:
     bool showNewsSetting() const;
     bool fetcherHasAny(unsigned filter) const;
     void onProgressTimeout();
+    // Whether the composer holds something to send: text or at least one attached file.
+    bool canSendMessage() const;
+    // The composer's text as it would be sent; empty while no composer is shown.
+    QString messageText() const;
     // Expands the entry's folder and asks the host to select the item.
     void selectItem(const QModelIndex& index);
     // The listed news entry or conversation with that id, or the invalid index.
@@ -120,6 +128,8 @@ private:
     QModelIndex startItem() const;
 
     // Members in the order of their creation; they are released in reverse.
+    CAttachmentsModel m_attachmentsModel;
+    CMessageItemsDocument m_threadDocument;
     QPersistentModelIndex m_currentIndex;
     QString m_pluginIconName;
     QIcon m_pluginIcon;
@@ -127,10 +137,12 @@ private:
     QString m_pendingRequestText;
     CFilePreviewManager m_previewManager;
     QTimer m_progressTimer;
+    TypingViewModel m_typingViewModel;
     std::shared_ptr<CNewsFetcher> m_newsFetcher;
     std::shared_ptr<CCommunicationObjectModel> m_communicationModel;
     QPointer<QStackedWidget> m_stackedWidget;
     QPointer<QStackedWidget> m_inputAreaStack;
+    QPointer<QLabel> m_typingLabel;
     QPointer<QWidget> m_emptyListWidget;
     int m_pendingRequestFlags = 0;
     bool m_viewSetUp = false;

@@ -51,14 +51,6 @@ private slots:
         QVERIFY2(qAbs(last.at(0) - expected) < 1e-6, qPrintable(QString::number(last.at(0))));
     }
 
-    void dotLoopsForeverWithOneCycleOf700ms()
-    {
-        TypingDotAnimation dot;
-        QCOMPARE(dot.loopCount(), -1);
-        QCOMPARE(dot.duration(), 700);
-        QCOMPARE(dot.animationCount(), 3);
-    }
-
     void laterDotsStartOneStaggerApart()
     {
         ManualAnimationDriver clock;
@@ -111,13 +103,6 @@ private slots:
         };
         QCOMPARE(values.at(0), valueOf(animation.dots().at(0)));
         QCOMPARE(values.at(1), valueOf(animation.dots().at(2)));
-    }
-
-    void listTypeIsRegisteredUnderItsNormalisedName()
-    {
-        TypingAnimation animation;
-        QVERIFY(QMetaType::fromName("QList<double>").isValid());
-        QCOMPARE(QMetaType::fromName("QList<double>"), QMetaType::fromType<QList<qreal>>());
     }
 };
 
