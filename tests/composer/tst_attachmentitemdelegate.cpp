@@ -22,15 +22,11 @@ struct AttachmentList
 
     AttachmentList()
     {
-        view.setObjectName(QStringLiteral("attachmentsList"));
         view.setItemDelegate(&delegate);
         view.setModel(&model);
         view.setFlow(QListView::LeftToRight);
         view.setWrapping(true);
-        view.setResizeMode(QListView::Adjust);
         view.setSpacing(4);
-        view.setSelectionMode(QAbstractItemView::NoSelection);
-        view.setFrameShape(QFrame::NoFrame);
         model.setView(&view);
         QObject::connect(&model, &QAbstractItemModel::rowsInserted, &view,
                          [this](const QModelIndex&, int first, int last) {
@@ -81,51 +77,33 @@ private slots:
         const QFontMetrics metrics(option.font);
         const QSize size = delegate.sizeHint(option, model.index(0, 0));
         QCOMPARE(size.width(), capped ? 320 : metrics.horizontalAdvance(name) + 44);
-        QVERIFY(size.width() <= 320);
         QCOMPARE(size.height(), qMax(metrics.height(), 20) + 4);
     }
 
-    void givesEveryRowARemoveButton()
-    {
-        AttachmentList list;
-        list.model.addFiles({path("one.txt"), path("two.txt")});
-        list.view.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&list.view));
-
-        for (int row = 0; row < 2; ++row) {
-            QToolButton* button = list.removeButton(row);
-            QVERIFY(button);
-            QCOMPARE(button->objectName(), QStringLiteral("attachmentItem"));
-            QCOMPARE(button->toolTip(), QStringLiteral("Click to remove this attachment"));
-            QCOMPARE(button->cursor().shape(), Qt::PointingHandCursor);
-            QCOMPARE(button->property("isToolButtonSwitch").toBool(), true);
-            QVERIFY(!button->icon().isNull());
-            const auto index = button->property("AttachmentToRemoveIndex").value<QPersistentModelIndex>();
-            QCOMPARE(QModelIndex(index), list.model.index(row, 0));
-
-            // A 20 pixel square at the tile's left edge, vertically centred.
-            const QRect tile = list.view.visualRect(list.model.index(row, 0));
-            QCOMPARE(button->size(), QSize(20, 20));
-            QCOMPARE(button->x(), tile.left() + 2);
-            QCOMPARE(button->y(), tile.top() + (tile.height() - 20) / 2);
-        }
-    }
-
-    void removeButtonFollowsItsRowWhenRowsAboveGo()
+    void removeButtonNamesItsRowEvenAfterRowsAboveGo()
     {
         AttachmentList list;
         list.model.addFiles({path("one.txt"), path("two.txt"), path("three.txt"), path("four.txt")});
         list.view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&list.view));
+        for (int row = 0; row < 4; ++row) {
+            QToolButton* button = list.removeButton(row);
+            QVERIFY(button);
+            QCOMPARE(button->toolTip(), QStringLiteral("Click to remove this attachment"));
+            QVERIFY(!button->icon().isNull());
+            const auto index = button->property("AttachmentToRemoveIndex").value<QPersistentModelIndex>();
+            QCOMPARE(QModelIndex(index), list.model.index(row, 0));
+            // A 20 pixel square at the tile's left edge, vertically centred.
+            const QRect tile = list.view.visualRect(list.model.index(row, 0));
+            QCOMPARE(button->geometry(),
+                     QRect(tile.left() + 2, tile.top() + (tile.height() - 20) / 2, 20, 20));
+        }
+
         QPointer<QToolButton> third = list.removeButton(2);
-        QVERIFY(third);
         QSignalSpy requests(&list.delegate, &CAttachmentItemDelegate::removeAttachmentRequest);
-
         list.removeButton(0)->click();
         list.removeButton(0)->click();
-        QCOMPARE(requests.count(), 2);
-        QCOMPARE(list.model.rowCount(), 2);
         QVERIFY(third);
-
         third->click();
         QCOMPARE(requests.count(), 3);
         QCOMPARE(requests.last().at(0).toModelIndex().row(), 0);
@@ -137,8 +115,6 @@ private slots:
     {
         AttachmentList list;
         list.model.addFiles({path("one.txt")});
-        QToolButton* button = list.removeButton(0);
-        QVERIFY(button);
         // The view would drop the button with its row; keep one that outlives it.
         auto* orphan =
             qobject_cast<QToolButton*>(list.delegate.createEditor(nullptr, {}, list.model.index(0, 0)));
@@ -159,18 +135,12 @@ private slots:
 
         const QColor warning = CVantrelApp::GetColor(CAttachmentItemDelegate::kInvalidNameColor);
         const QColor frame = CVantrelApp::GetColor(CAttachmentItemDelegate::kFrameColor);
-        auto insideNearRight = [&](int row) {
+        for (int row = 0; row < 2; ++row) {
             const QRect tile = list.view.visualRect(list.model.index(row, 0));
-            return image.pixelColor(tile.right() - 3, tile.top() + 3);
-        };
-        auto topEdge = [&](int row) {
-            const QRect tile = list.view.visualRect(list.model.index(row, 0));
-            return image.pixelColor(tile.center().x(), tile.top());
-        };
-        QCOMPARE(insideNearRight(1).rgb(), warning.rgb());
-        QVERIFY(insideNearRight(0).rgb() != warning.rgb());
-        QCOMPARE(topEdge(0).rgb(), frame.rgb());
-        QCOMPARE(topEdge(1).rgb(), frame.rgb());
+            const QRgb insideNearRight = image.pixel(tile.right() - 3, tile.top() + 3);
+            QCOMPARE(insideNearRight == warning.rgb(), row == 1);
+            QCOMPARE(image.pixel(tile.center().x(), tile.top()), frame.rgb());
+        }
 
         const QString folder = qEnvironmentVariable("NEWSREADER_PNG_DIR");
         if (!folder.isEmpty())

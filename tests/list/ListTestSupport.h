@@ -6,39 +6,40 @@
 #include "CVantrelApp.h"
 #include "HostControl.h"
 
+#include <QDir>
+#include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QPaintDevice>
 #include <QPaintEngine>
 #include <QTest>
 
 namespace listTest {
 
-// A news entry of the given kind ("important" or "offer") with fixed texts, so renderings stay stable.
-inline QJsonObject newsEntry(const QString& id, const QString& kind, const QString& title, bool read = false,
-                             const QJsonObject& extra = {})
+inline QJsonObject withExtra(QJsonObject entry, const QJsonObject& extra)
 {
-    QJsonObject entry{{QStringLiteral("id"), id},
-                      {QStringLiteral("kind"), kind},
-                      {QStringLiteral("title"), title},
-                      {QStringLiteral("subtitle"), QStringLiteral("About %1").arg(title)},
-                      {QStringLiteral("dateText"), QStringLiteral("12.06.2024")},
-                      {QStringLiteral("html"), QStringLiteral("<p>%1</p>").arg(title)},
-                      {QStringLiteral("read"), read}};
     for (auto it = extra.begin(); it != extra.end(); ++it)
         entry.insert(it.key(), it.value());
     return entry;
 }
 
+// A news entry of the given kind ("important" or "offer") with fixed texts, so renderings stay stable.
+inline QJsonObject newsEntry(const QString& id, const QString& kind, const QString& title, bool read = false,
+                             const QJsonObject& extra = {})
+{
+    return withExtra({{"id", id},
+                      {"kind", kind},
+                      {"title", title},
+                      {"subtitle", QStringLiteral("About %1").arg(title)},
+                      {"dateText", "12.06.2024"},
+                      {"html", QStringLiteral("<p>%1</p>").arg(title)},
+                      {"read", read}},
+                     extra);
+}
+
 inline QJsonObject conversation(const QString& id, const QString& subject, const QJsonObject& extra = {})
 {
-    QJsonObject entry{{QStringLiteral("id"), id},
-                      {QStringLiteral("subject"), subject},
-                      {QStringLiteral("firstMessage"), QStringLiteral("Hello")}};
-    for (auto it = extra.begin(); it != extra.end(); ++it)
-        entry.insert(it.key(), it.value());
-    return entry;
+    return withExtra({{"id", id}, {"subject", subject}, {"firstMessage", "Hello"}}, extra);
 }
 
 inline std::shared_ptr<CNewsFetcher> fetcher()
@@ -46,32 +47,30 @@ inline std::shared_ptr<CNewsFetcher> fetcher()
     return vantrelApp ? vantrelApp->getNewsFetcher() : nullptr;
 }
 
-// Every entry the fetcher lists, news and conversations.
-inline int listedEntryCount()
+// The fetcher's shared entry with this id, news or conversation.
+inline std::shared_ptr<Messenger::MessageEntry> fetcherEntry(const QString& id)
 {
-    const auto newsFetcher = fetcher();
-    if (!newsFetcher)
-        return 0;
-    return int(newsFetcher->getNewsList(CNewsFetcher::FilterImportant | CNewsFetcher::FilterOffers).size() +
-               newsFetcher->getNewsList(CNewsFetcher::FilterIssues).size());
+    const auto all = CNewsFetcher::FilterImportant | CNewsFetcher::FilterOffers | CNewsFetcher::FilterIssues;
+    for (const auto& entry : fetcher()->getNewsList(all)) {
+        if (entry->id == id)
+            return entry;
+    }
+    return nullptr;
 }
 
 // Replaces the server's data and waits until the fetcher lists all of it.
 inline bool loadScenario(const QList<QJsonObject>& news, const QList<QJsonObject>& conversations = {})
 {
-    QJsonArray newsArray;
     int visible = 0;
-    for (const QJsonObject& entry : news) {
-        newsArray.append(entry);
-        visible += entry.value(QStringLiteral("hidden")).toBool() ? 0 : 1;
-    }
-    QJsonArray conversationArray;
-    for (const QJsonObject& entry : conversations) {
-        conversationArray.append(entry);
-        visible += entry.value(QStringLiteral("hidden")).toBool() ? 0 : 1;
-    }
-    const QJsonObject root{{QStringLiteral("news"), newsArray},
-                           {QStringLiteral("conversations"), conversationArray}};
+    const auto toArray = [&visible](const QList<QJsonObject>& entries) {
+        QJsonArray array;
+        for (const QJsonObject& entry : entries) {
+            array.append(entry);
+            visible += entry.value("hidden").toBool() ? 0 : 1;
+        }
+        return array;
+    };
+    const QJsonObject root{{"news", toArray(news)}, {"conversations", toArray(conversations)}};
     QString error;
     if (!HostControl::loadScenarioJson(QJsonDocument(root).toJson(), QStringLiteral("test"), &error)) {
         qWarning() << error;
@@ -85,10 +84,22 @@ inline bool loadScenario(const QList<QJsonObject>& news, const QList<QJsonObject
     const QMetaObject::Connection connection =
         QObject::connect(newsFetcher.get(), &CNewsFetcher::newsChanged, [&refreshed] { refreshed = true; });
     newsFetcher->startFetchAll();
-    const bool done =
-        QTest::qWaitFor([&refreshed, visible] { return refreshed && listedEntryCount() == visible; });
+    const auto listed = [&newsFetcher] {
+        return int(
+            newsFetcher->getNewsList(CNewsFetcher::FilterImportant | CNewsFetcher::FilterOffers).size() +
+            newsFetcher->getNewsList(CNewsFetcher::FilterIssues).size());
+    };
+    const bool done = QTest::qWaitFor([&] { return refreshed && listed() == visible; });
     QObject::disconnect(connection);
     return done;
+}
+
+// Writes a rendering to the folder named by NEWSREADER_PNG_DIR, if set, for people to look at.
+inline void keepForPeople(const QImage& image, const QString& name)
+{
+    const QString folder = qEnvironmentVariable("NEWSREADER_PNG_DIR");
+    if (!folder.isEmpty() && QDir().mkpath(folder))
+        image.save(QDir(folder).filePath(name));
 }
 
 // One drawing operation as the recording engine saw it.
@@ -98,11 +109,10 @@ struct PaintRecord
     {
         Text,
         Pixmap,
-        Fill,
-        Other
+        Fill
     };
-    Kind kind = Other;
-    QRectF rect;    // target rectangle (text: the item's bounding box estimated from its position)
+    Kind kind = Text;
+    QRectF rect;    // text: the item's bounding box estimated from its baseline origin
     QPointF origin; // text: baseline origin
     QString text;
     QColor color; // text: pen colour; fill: brush colour
@@ -131,84 +141,65 @@ public:
             m_brush = state.brush();
         if (state.state() & DirtyOpacity)
             m_opacity = state.opacity();
-        if (state.state() & DirtyFont)
-            m_font = state.font();
         if (state.state() & DirtyTransform)
             m_transform = state.transform();
     }
 
     void drawTextItem(const QPointF& p, const QTextItem& item) override
     {
-        PaintRecord record;
-        record.kind = PaintRecord::Text;
-        record.origin = m_transform.map(p);
-        record.text = item.text();
-        record.color = m_pen.color();
-        record.opacity = m_opacity;
-        record.font = item.font();
+        const QPointF origin = m_transform.map(p);
         const QFontMetricsF metrics(item.font());
-        record.rect =
-            QRectF(record.origin.x(), record.origin.y() - metrics.ascent(), item.width(), metrics.height());
-        records << record;
+        records << PaintRecord{
+            PaintRecord::Text,
+            QRectF(origin.x(), origin.y() - metrics.ascent(), item.width(), metrics.height()),
+            origin,
+            item.text(),
+            m_pen.color(),
+            m_opacity,
+            item.font()};
     }
 
+    // Images reach here too: the base engine turns them into pixmaps.
     void drawPixmap(const QRectF& r, const QPixmap&, const QRectF&) override
     {
-        PaintRecord record;
-        record.kind = PaintRecord::Pixmap;
-        record.rect = m_transform.mapRect(r);
-        record.opacity = m_opacity;
-        records << record;
+        records << PaintRecord{PaintRecord::Pixmap, m_transform.mapRect(r), {}, {}, {}, m_opacity, {}};
     }
 
-    void drawImage(const QRectF& r, const QImage&, const QRectF&, Qt::ImageConversionFlags) override
-    {
-        PaintRecord record;
-        record.kind = PaintRecord::Pixmap;
-        record.rect = m_transform.mapRect(r);
-        record.opacity = m_opacity;
-        records << record;
-    }
-
+    using QPaintEngine::drawRects;
     void drawRects(const QRectF* rects, int count) override
     {
-        for (int i = 0; i < count; ++i) {
-            PaintRecord record;
-            record.kind = PaintRecord::Fill;
-            record.rect = m_transform.mapRect(rects[i]);
-            record.color = m_brush.color();
-            record.opacity = m_opacity;
-            if (m_brush.style() != Qt::NoBrush)
-                records << record;
-        }
+        for (int i = 0; i < count && m_brush.style() != Qt::NoBrush; ++i)
+            records << PaintRecord{
+                PaintRecord::Fill, m_transform.mapRect(rects[i]), {}, {}, m_brush.color(), m_opacity, {}};
     }
 
-    void drawRects(const QRect* rects, int count) override
+    void drawPolygon(const QPointF*, int, PolygonDrawMode) override {}
+    void drawPath(const QPainterPath&) override {}
+
+private:
+    QPen m_pen;
+    QBrush m_brush;
+    qreal m_opacity = 1.0;
+    QTransform m_transform;
+};
+
+// An image whose painter records instead of drawing; it measures fonts like the rows' images at 96 dpi.
+class RecordingPaintDevice : public QImage
+{
+public:
+    explicit RecordingPaintDevice(const QSize& size)
+        : QImage(size, QImage::Format_ARGB32_Premultiplied)
     {
-        for (int i = 0; i < count; ++i) {
-            const QRectF rect(rects[i]);
-            drawRects(&rect, 1);
-        }
+        constexpr int kDotsPerMeterAt96Dpi = 3780;
+        setDotsPerMeterX(kDotsPerMeterAt96Dpi);
+        setDotsPerMeterY(kDotsPerMeterAt96Dpi);
     }
 
-    void drawPolygon(const QPointF*, int, PolygonDrawMode) override
-    {
-        PaintRecord record;
-        record.color = m_pen.color();
-        records << record;
-    }
-
-    void drawPath(const QPainterPath&) override
-    {
-        PaintRecord record;
-        record.color = m_pen.color();
-        records << record;
-    }
-
+    QPaintEngine* paintEngine() const override { return &m_engine; }
     QList<PaintRecord> ofKind(PaintRecord::Kind kind) const
     {
         QList<PaintRecord> result;
-        for (const PaintRecord& record : records) {
+        for (const PaintRecord& record : m_engine.records) {
             if (record.kind == kind)
                 result << record;
         }
@@ -216,57 +207,6 @@ public:
     }
 
 private:
-    QPen m_pen;
-    QBrush m_brush;
-    qreal m_opacity = 1.0;
-    QFont m_font;
-    QTransform m_transform;
-};
-
-class RecordingPaintDevice : public QPaintDevice
-{
-public:
-    explicit RecordingPaintDevice(const QSize& size)
-        : m_size(size)
-    {}
-    ~RecordingPaintDevice() override = default;
-
-    QPaintEngine* paintEngine() const override { return &m_engine; }
-    QList<PaintRecord> records() const { return m_engine.records; }
-    QList<PaintRecord> ofKind(PaintRecord::Kind kind) const { return m_engine.ofKind(kind); }
-
-protected:
-    int metric(PaintDeviceMetric metric) const override
-    {
-        constexpr int kDpi = 96;
-        switch (metric) {
-        case PdmWidth:
-            return m_size.width();
-        case PdmHeight:
-            return m_size.height();
-        case PdmDpiX:
-        case PdmDpiY:
-        case PdmPhysicalDpiX:
-        case PdmPhysicalDpiY:
-            return kDpi;
-        case PdmDepth:
-            return 32;
-        case PdmDevicePixelRatio:
-            return 1;
-        case PdmDevicePixelRatioScaled:
-            return int(QPaintDevice::devicePixelRatioFScale());
-        case PdmNumColors:
-            return INT_MAX;
-        case PdmWidthMM:
-            return m_size.width() * 254 / (kDpi * 10);
-        case PdmHeightMM:
-            return m_size.height() * 254 / (kDpi * 10);
-        }
-        return 0;
-    }
-
-private:
-    QSize m_size;
     mutable RecordingPaintEngine m_engine;
 };
 

@@ -6,6 +6,7 @@
 #include "CNewsReaderPlugin.h"
 #include "CPluginItemDelegate.h"
 #include "CReadNewsEntryRequest.h"
+#include "HostColors.h"
 #include "ListTestSupport.h"
 
 #include <QLabel>
@@ -25,20 +26,23 @@ constexpr int kClearSelectRows = 19;
 bool loadList()
 {
     return listTest::loadScenario(
-        {newsEntry(QStringLiteral("n-important"), QStringLiteral("important"), QStringLiteral("Maintenance"),
-                   true),
-         newsEntry(QStringLiteral("n-offer"), QStringLiteral("offer"), QStringLiteral("Spring offer")),
-         newsEntry(QStringLiteral("n-offer-2"), QStringLiteral("offer"), QStringLiteral("Summer offer"), true,
-                   {{QStringLiteral("published"), QStringLiteral("-1d")}})},
-        {conversation(QStringLiteral("c-printer"), QStringLiteral("Printer blocked"))});
+        {newsEntry("n-important", "important", "Maintenance", true),
+         newsEntry("n-offer", "offer", "Spring offer"),
+         newsEntry("n-offer-2", "offer", "Summer offer", true, {{"published", "-1d"}})},
+        {conversation("c-printer", "Printer blocked")});
 }
 
 QStringList eventKeys(const QString& kind)
 {
     QStringList keys;
     for (const HostControl::Event& event : HostControl::events(kind))
-        keys << event.details.value(QStringLiteral("key")).toString();
+        keys << event.details.value("key").toString();
     return keys;
+}
+
+int firstSelectFlags()
+{
+    return HostControl::events("select").first().details.value("flags").toInt();
 }
 
 Model* modelOf(CNewsReaderPlugin& plugin)
@@ -88,22 +92,17 @@ private slots:
         HostControl::clearRequestLog();
     }
 
-    void handsTheHostItsModelAndDelegate()
+    void handsTheHostItsModelAndDelegateAndFollowsExpansion()
     {
         CNewsReaderPlugin plugin;
         const std::shared_ptr<QAbstractItemModel> model = plugin.getPluginModel();
         QVERIFY(qobject_cast<Model*>(model.get()));
         QCOMPARE(plugin.getPluginModel(), model);
+        QVERIFY(qobject_cast<CPluginItemDelegate*>(plugin.getPluginItemDelegate()));
         // Built in the constructor.
         QCOMPARE(model->rowCount(), 3);
-        QVERIFY(qobject_cast<CPluginItemDelegate*>(plugin.getPluginItemDelegate()));
-    }
 
-    void expansionReportsReachTheModel()
-    {
-        CNewsReaderPlugin plugin;
-        Model* model = modelOf(plugin);
-        const QModelIndex issues = model->indexForKey(QStringLiteral("folder-3"));
+        const QModelIndex issues = modelOf(plugin)->indexForKey("folder-3");
         plugin.onListItemExpanded(issues);
         QCOMPARE(issues.data(Model::ExpandedRole), QVariant(true));
         plugin.onListItemCollapsed(issues);
@@ -116,27 +115,23 @@ private slots:
         HostControl::recordPluginRequests(&plugin);
         Model* model = modelOf(plugin);
 
-        plugin.onPluginItemActivated(model->indexForKey(QStringLiteral("n-offer")));
+        plugin.onPluginItemActivated(model->indexForKey("n-offer"));
         QVERIFY(HostControl::events().isEmpty());
 
-        const QModelIndex offers = model->indexForKey(QStringLiteral("folder-1"));
+        const QModelIndex offers = model->indexForKey("folder-1");
         QVERIFY(offers.data(Model::ExpandedRole).toBool());
         plugin.onPluginItemActivated(offers);
-        QCOMPARE(eventKeys(QStringLiteral("collapse")), QStringList{"folder-1"});
-        QVERIFY(HostControl::events(QStringLiteral("select")).isEmpty());
+        QCOMPARE(eventKeys("collapse"), QStringList{"folder-1"});
+        QVERIFY(HostControl::events("select").isEmpty());
 
         HostControl::clearEvents();
-        const QModelIndex issues = model->indexForKey(QStringLiteral("folder-3"));
+        const QModelIndex issues = model->indexForKey("folder-3");
         QVERIFY(!issues.data(Model::ExpandedRole).toBool());
         plugin.onPluginItemActivated(issues);
-        QCOMPARE(eventKeys(QStringLiteral("expand")), QStringList{"folder-3"});
-        QCOMPARE(eventKeys(QStringLiteral("select")), QStringList{"c-printer"});
-        QCOMPARE(HostControl::events(QStringLiteral("select"))
-                     .first()
-                     .details.value(QStringLiteral("flags"))
-                     .toInt(),
-                 kClearSelectRows);
-        QVERIFY(HostControl::events(QStringLiteral("collapse")).isEmpty());
+        QCOMPARE(eventKeys("expand"), QStringList{"folder-3"});
+        QCOMPARE(eventKeys("select"), QStringList{"c-printer"});
+        QCOMPARE(firstSelectFlags(), kClearSelectRows);
+        QVERIFY(HostControl::events("collapse").isEmpty());
     }
 
     void restoringTheSelectionReopensFoldersAndEditors()
@@ -146,19 +141,15 @@ private slots:
         plugin.restoreSelection();
         // Expanded: "Important messages" (folder 0) and "Offers" (unread). Editors: every entry of a folder
         // with a non-zero number. Nothing selected yet: the first entry of the first folder.
-        QCOMPARE(eventKeys(QStringLiteral("expand")), (QStringList{"folder-0", "folder-1", "folder-0"}));
-        QCOMPARE(eventKeys(QStringLiteral("editor")), (QStringList{"n-offer", "n-offer-2", "c-printer"}));
-        QCOMPARE(eventKeys(QStringLiteral("select")), QStringList{"n-important"});
+        QCOMPARE(eventKeys("expand"), (QStringList{"folder-0", "folder-1", "folder-0"}));
+        QCOMPARE(eventKeys("editor"), (QStringList{"n-offer", "n-offer-2", "c-printer"}));
+        QCOMPARE(eventKeys("select"), QStringList{"n-important"});
 
         HostControl::clearEvents();
-        plugin.setCurrentIndex(modelOf(plugin)->indexForKey(QStringLiteral("c-printer")));
+        plugin.setCurrentIndex(modelOf(plugin)->indexForKey("c-printer"));
         plugin.restoreSelection();
-        QCOMPARE(eventKeys(QStringLiteral("select")), QStringList{"c-printer"});
-        QCOMPARE(HostControl::events(QStringLiteral("select"))
-                     .first()
-                     .details.value(QStringLiteral("flags"))
-                     .toInt(),
-                 kClearSelectRows);
+        QCOMPARE(eventKeys("select"), QStringList{"c-printer"});
+        QCOMPARE(firstSelectFlags(), kClearSelectRows);
     }
 
     void emptyListGetsTheNoCommunicationsWidget()
@@ -187,8 +178,8 @@ private slots:
         HostControl::recordPluginRequests(&plugin);
         CReadNewsEntryRequest request(QStringLiteral("n-offer-2"), 0);
         QVERIFY(vantrelApp->postApplicationEvent(&request));
-        QCOMPARE(eventKeys(QStringLiteral("expand")), QStringList{"folder-1"});
-        QCOMPARE(eventKeys(QStringLiteral("select")), QStringList{"n-offer-2"});
+        QCOMPARE(eventKeys("expand"), QStringList{"folder-1"});
+        QCOMPARE(eventKeys("select"), QStringList{"n-offer-2"});
         // Found at once: nothing is fetched.
         QTest::qWait(20);
         QVERIFY(HostControl::requestLog().isEmpty());
@@ -200,12 +191,12 @@ private slots:
         HostControl::recordPluginRequests(&plugin);
         CReadNewsEntryRequest request(QStringLiteral("c-new"), 0);
         QVERIFY(vantrelApp->postApplicationEvent(&request));
-        QVERIFY(HostControl::events(QStringLiteral("select")).isEmpty());
-        HostControl::addConversation(conversation(QStringLiteral("c-new"), QStringLiteral("Fresh question")));
-        QTRY_VERIFY(eventKeys(QStringLiteral("select")).contains(QStringLiteral("c-new")));
+        QVERIFY(HostControl::events("select").isEmpty());
+        HostControl::addConversation(conversation("c-new", "Fresh question"));
+        QTRY_VERIFY(eventKeys("select").contains("c-new"));
     }
 
-    void hidingAnEntryRemovesItOnceTheFetcherReports()
+    void theHostTreeShowsTheListAndHidingAnEntryRemovesIt()
     {
         CNewsReaderPlugin plugin;
         HostTree tree(plugin);
@@ -214,19 +205,30 @@ private slots:
         plugin.restoreSelection();
         QVERIFY(QTest::qWaitForWindowExposed(&tree));
         Model* model = modelOf(plugin);
+        const QModelIndex important = model->indexForKey("folder-0");
+        const QModelIndex offer = model->indexForKey("n-offer");
+        QCOMPARE(tree.visualRect(important).height(), 41);
+        QCOMPARE(tree.visualRect(offer).height(), 58);
+        QCOMPARE(tree.currentIndex(), model->index(0, 0, important));
 
-        const QModelIndex offer = model->indexForKey(QStringLiteral("n-offer"));
+        const QImage shot = tree.grab().toImage();
+        listTest::keepForPeople(shot, QStringLiteral("list-tree.png"));
+        // The selected row carries the selection colour at its edge.
+        const QPoint probe =
+            tree.viewport()->mapTo(&tree, tree.visualRect(tree.currentIndex()).topLeft() + QPoint(4, 4));
+        QCOMPARE(shot.pixelColor(probe).rgb(), getPaletteColor(clrListSelection).rgb());
+
         auto* button = qobject_cast<QToolButton*>(tree.indexWidget(offer));
         QVERIFY(button);
         QVERIFY(button->isVisible());
         // Important entries have no button.
-        QVERIFY(!tree.indexWidget(model->indexForKey(QStringLiteral("n-important"))));
+        QVERIFY(!tree.indexWidget(model->indexForKey("n-important")));
 
         QTest::mouseClick(button, Qt::LeftButton);
-        QTRY_VERIFY(HostControl::isNewsEntryHidden(QStringLiteral("n-offer")));
-        QTRY_VERIFY(!model->indexForKey(QStringLiteral("n-offer")).isValid());
-        QCOMPARE(model->rowCount(model->indexForKey(QStringLiteral("folder-1"))), 1);
-        QVERIFY(!HostControl::isNewsEntryHidden(QStringLiteral("n-offer-2")));
+        QTRY_VERIFY(HostControl::isNewsEntryHidden("n-offer"));
+        QTRY_VERIFY(!model->indexForKey("n-offer").isValid());
+        QCOMPARE(model->rowCount(model->indexForKey("folder-1")), 1);
+        QVERIFY(!HostControl::isNewsEntryHidden("n-offer-2"));
     }
 
     void hidingAnInvalidIndexDoesNothing()
@@ -244,19 +246,17 @@ private slots:
         tree.show();
         Model* model = modelOf(plugin);
         tree.expandAll();
-        tree.selectionModel()->setCurrentIndex(model->indexForKey(QStringLiteral("c-printer")),
-                                               QItemSelectionModel::ClearAndSelect |
-                                                   QItemSelectionModel::Rows);
+        tree.selectionModel()->setCurrentIndex(
+            model->indexForKey("c-printer"), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
         plugin.setCurrentIndex(tree.currentIndex());
 
-        HostControl::addNewsEntry(newsEntry(QStringLiteral("n-urgent"), QStringLiteral("important"),
-                                            QStringLiteral("Urgent"), false,
-                                            {{QStringLiteral("published"), QStringLiteral("+1m")}}));
-        QTRY_VERIFY(model->indexForKey(QStringLiteral("n-urgent")).isValid());
-        QCOMPARE(tree.currentIndex().data(Model::KeyRole), QVariant(QStringLiteral("c-printer")));
-        QCOMPARE(tree.selectionModel()->selectedRows().size(), 1);
-        QCOMPARE(tree.selectionModel()->selectedRows().first().data(Model::KeyRole),
-                 QVariant(QStringLiteral("c-printer")));
+        HostControl::addNewsEntry(
+            newsEntry("n-urgent", "important", "Urgent", false, {{"published", "+1m"}}));
+        QTRY_VERIFY(model->indexForKey("n-urgent").isValid());
+        QCOMPARE(tree.currentIndex().data(Model::KeyRole), QVariant("c-printer"));
+        const QModelIndexList selected = tree.selectionModel()->selectedRows();
+        QCOMPARE(selected.size(), 1);
+        QCOMPARE(selected.first().data(Model::KeyRole), QVariant("c-printer"));
     }
 };
 

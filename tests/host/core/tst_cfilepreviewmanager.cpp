@@ -40,18 +40,14 @@ QByteArray oneColourGif(const QSize& size, const QColor& color)
     };
     add16(size.width());
     add16(size.height());
-    gif.append(char(0x80)); // global colour table of two entries
-    gif.append(char(0));
-    gif.append(char(0));
+    gif.append("\x80\0\0", 3); // global colour table of two entries
     gif.append(char(color.red())).append(char(color.green())).append(char(color.blue()));
-    gif.append(3, char(0));
-    gif.append(char(0x2c));
+    gif.append("\0\0\0\x2c", 4);
     add16(0);
     add16(0);
     add16(size.width());
     add16(size.height());
-    gif.append(char(0));
-    gif.append(char(minimumCodeSize));
+    gif.append(char(0)).append(char(minimumCodeSize));
 
     QByteArray stream;
     quint32 bits = 0;
@@ -77,8 +73,7 @@ QByteArray oneColourGif(const QSize& size, const QColor& color)
         const QByteArray block = stream.mid(offset, maxSubBlock);
         gif.append(char(block.size())).append(block);
     }
-    gif.append(char(0));
-    gif.append(char(0x3b));
+    gif.append("\0\x3b", 2);
     return gif;
 }
 
@@ -106,15 +101,6 @@ private:
         if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
             return QString();
         return path;
-    }
-
-    QString writeSvg()
-    {
-        return writeFile(
-            QStringLiteral("drawing.svg"),
-            QByteArrayLiteral("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"40\" height=\"20\""
-                              " viewBox=\"0 0 40 20\"><rect width=\"40\" height=\"20\""
-                              " fill=\"#c82828\"/></svg>"));
     }
 
     QString writePdf()
@@ -156,7 +142,9 @@ private slots:
 
         QString path;
         if (kind == QLatin1String("svg"))
-            path = writeSvg();
+            path = writeFile(QStringLiteral("drawing.svg"),
+                             "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"40\" height=\"20\">"
+                             "<rect width=\"40\" height=\"20\" fill=\"#c82828\"/></svg>");
         else if (kind == QLatin1String("pdf"))
             path = writePdf();
         else if (kind == QLatin1String("gif"))
@@ -182,67 +170,45 @@ private slots:
             QVERIFY(sameColour(image.pixelColor(2, 2), Qt::white, 2));
     }
 
-    void smallPicturesAreNotEnlarged()
+    void smallPicturesAreNotEnlargedAndTypeIsJudgedByContent()
     {
-        const QString path = writeRaster(QStringLiteral("small.png"), "png", QSize(50, 30));
-        CFilePreviewManager manager;
+        // A PNG saved under a misleading name is still an image.
+        const QString source = writeRaster(QStringLiteral("small.png"), "png", QSize(50, 30));
+        const QString path = m_folder.filePath(QStringLiteral("photo.dat"));
+        QVERIFY(QFile::copy(source, path));
         const VantrelBrowser::CBrowserItemMetaData item(path);
+        QCOMPARE(item.mimeType(), QStringLiteral("image/png"));
+        QCOMPARE(item.size(), QFileInfo(source).size());
+        CFilePreviewManager manager;
         const auto handler = manager.getPreviewHandlerForPath(item);
         QVERIFY(handler);
         QCOMPARE(handler->getThumbnail(thumbnailSize, item).size(), QSize(50, 30));
     }
 
-    void typeIsJudgedByContent()
-    {
-        // A PNG saved under a misleading name is still an image.
-        const QString source = writeRaster(QStringLiteral("source.png"), "png");
-        const QString path = m_folder.filePath(QStringLiteral("photo.dat"));
-        QVERIFY(QFile::copy(source, path));
-
-        const VantrelBrowser::CBrowserItemMetaData item(path);
-        QCOMPARE(item.mimeType(), QStringLiteral("image/png"));
-        QVERIFY(item.exists());
-        QCOMPARE(item.size(), QFileInfo(source).size());
-        CFilePreviewManager manager;
-        QVERIFY(manager.getPreviewHandlerForPath(item));
-    }
-
-    void otherFilesHaveNoPreview_data()
+    void otherFilesHaveNoThumbnail_data()
     {
         QTest::addColumn<QString>("name");
         QTest::addColumn<QByteArray>("content");
-        QTest::newRow("zip") << "archive.zip" << QByteArray("PK\x03\x04\x14\x00\x00\x00\x08\x00", 10);
-        QTest::newRow("text") << "notes.txt" << QByteArray("just some words\n");
+        QTest::addColumn<bool>("hasHandler");
+        QTest::newRow("zip") << "archive.zip" << QByteArray("PK\x03\x04\x14\x00\x00\x00\x08\x00", 10)
+                             << false;
+        QTest::newRow("text") << "notes.txt" << QByteArray("just some words\n") << false;
+        QTest::newRow("missing file") << "never-written.png" << QByteArray() << false;
+        QTest::newRow("broken image") << "broken.png" << QByteArray("\x89PNG\r\n\x1a\n garbage", 16) << true;
     }
-    void otherFilesHaveNoPreview()
+    void otherFilesHaveNoThumbnail()
     {
         QFETCH(QString, name);
         QFETCH(QByteArray, content);
-        const QString path = writeFile(name, content);
-        QVERIFY(!path.isEmpty());
-        CFilePreviewManager manager;
-        QVERIFY(!manager.getPreviewHandlerForPath(VantrelBrowser::CBrowserItemMetaData(path)));
-    }
-
-    void missingFileHasNoPreview()
-    {
-        const VantrelBrowser::CBrowserItemMetaData item(
-            m_folder.filePath(QStringLiteral("never-written.png")));
-        QVERIFY(!item.exists());
-        QCOMPARE(item.size(), 0);
-        CFilePreviewManager manager;
-        QVERIFY(!manager.getPreviewHandlerForPath(item));
-    }
-
-    void brokenImageGivesANullThumbnail()
-    {
-        const QString path =
-            writeFile(QStringLiteral("broken.png"), QByteArray("\x89PNG\r\n\x1a\n garbage", 16));
-        CFilePreviewManager manager;
+        QFETCH(bool, hasHandler);
+        const QString path = content.isEmpty() ? m_folder.filePath(name) : writeFile(name, content);
         const VantrelBrowser::CBrowserItemMetaData item(path);
+        QCOMPARE(item.exists(), !content.isEmpty());
+        CFilePreviewManager manager;
         const auto handler = manager.getPreviewHandlerForPath(item);
-        QVERIFY(handler);
-        QVERIFY(handler->getThumbnail(thumbnailSize, item).isNull());
+        QCOMPARE(bool(handler), hasHandler);
+        if (handler)
+            QVERIFY(handler->getThumbnail(thumbnailSize, item).isNull());
     }
 };
 

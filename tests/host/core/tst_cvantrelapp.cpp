@@ -1,10 +1,13 @@
-// The application object: identity, application events, broadcasts, links and the services it hands out.
+// The application object and the host environment it exposes: identity, application events, what the host
+// records (links, flashed windows), the services it hands out and the switches tests can turn.
 
 #include "CNewsFetcher.h"
 #include "CReadNewsEntryRequest.h"
 #include "CSignInService.h"
+#include "ConfigurableObjects.h"
 #include "HostRuntime.h"
 #include "HostTestMain.h"
+#include "HostWindows.h"
 
 #include <QSignalSpy>
 #include <QStyle>
@@ -19,19 +22,17 @@ public:
     explicit EntryRequestListener(bool accept)
         : m_accept(accept)
     {
-        connect(vantrelApp, &CVantrelApp::applicationEvent, this, &EntryRequestListener::onApplicationEvent);
+        connect(vantrelApp, &CVantrelApp::applicationEvent, this, [this](QEvent* event) {
+            if (event->type() != CReadNewsEntryRequest::EventType)
+                return;
+            lastEntryId = static_cast<CReadNewsEntryRequest*>(event)->getNewsEntryId();
+            if (m_accept)
+                event->accept();
+        });
     }
     QString lastEntryId;
 
 private:
-    void onApplicationEvent(QEvent* event)
-    {
-        if (event->type() != CReadNewsEntryRequest::EventType)
-            return;
-        lastEntryId = static_cast<CReadNewsEntryRequest*>(event)->getNewsEntryId();
-        if (m_accept)
-            event->accept();
-    }
     bool m_accept;
 };
 
@@ -48,21 +49,14 @@ private slots:
     {
         QCOMPARE(vantrelApp, qobject_cast<CVantrelApp*>(qApp));
         QCOMPARE(QCoreApplication::applicationName(), QStringLiteral("VantrelDesktop"));
-        QCOMPARE(QCoreApplication::organizationName(), QStringLiteral("Vantrel"));
         QCOMPARE(QApplication::style()->name(), QStringLiteral("fusion"));
-    }
-
-    void newsEntryRequestCarriesItsEntry()
-    {
-        const CReadNewsEntryRequest request(QStringLiteral("news-7"), 2);
-        QCOMPARE(int(request.type()), 1078);
-        QCOMPARE(request.getNewsEntryId(), QStringLiteral("news-7"));
-        QCOMPARE(request.getFlags(), 2);
     }
 
     void applicationEventReportsWhetherItWasTaken()
     {
-        CReadNewsEntryRequest request(QStringLiteral("n1"));
+        CReadNewsEntryRequest request(QStringLiteral("n1"), 2);
+        QCOMPARE(int(request.type()), 1078);
+        QCOMPARE(request.getFlags(), 2);
         QVERIFY(!vantrelApp->postApplicationEvent(&request)); // nobody listens
 
         EntryRequestListener ignoring(false);
@@ -84,17 +78,26 @@ private slots:
         QCOMPARE(spy.at(0).at(0).value<AppBroadcastRequest>(), BroadcastWriteToSupport);
     }
 
-    void externalLinksAreRecorded()
+    void linksAndFlashesAreRecorded()
     {
         QVERIFY(!HostRuntime::instance().openExternally);
+        QSignalSpy recorded(&HostRuntime::instance(), &HostRuntime::eventRecorded);
         vantrelApp->onExternalBrowserLinkClicked(QStringLiteral("https://example.com/a?b=c"));
-        QCOMPARE(HostRuntime::instance().events.size(), 1);
-        QCOMPARE(HostRuntime::instance().events.at(0).kind, QStringLiteral("openLink"));
-        QCOMPARE(HostRuntime::instance().events.at(0).details.value("url").toString(),
-                 QStringLiteral("https://example.com/a?b=c"));
+        QWidget window;
+        flashWindow(window.winId(), 10);
+        flashWindow(HWND(0), 3); // an unknown window is still recorded
+
+        const QList<HostRuntime::Event>& events = HostRuntime::instance().events;
+        QCOMPARE(recorded.size(), 3);
+        QCOMPARE(events.size(), 3);
+        QCOMPARE(events.at(0).kind, QStringLiteral("openLink"));
+        QCOMPARE(events.at(0).details.value("url").toString(), QStringLiteral("https://example.com/a?b=c"));
+        QCOMPARE(events.at(1).kind, QStringLiteral("flashWindow"));
+        QCOMPARE(events.at(1).details.value("count").toUInt(), 10u);
+        QCOMPARE(events.at(2).details.value("count").toUInt(), 3u);
     }
 
-    void newsFetcherIsSharedAndCanBeAbsent()
+    void servicesAreSharedAndGuarded()
     {
         HostRuntime& runtime = HostRuntime::instance();
         auto restore = qScopeGuard([&] { runtime.newsFetcherAvailable = true; });
@@ -103,18 +106,11 @@ private slots:
         QCOMPARE(vantrelApp->getNewsFetcher(), fetcher);
         runtime.newsFetcherAvailable = false;
         QVERIFY(!vantrelApp->getNewsFetcher());
-    }
 
-    void signInServiceIsOneChildOfTheApplication()
-    {
         CSignInService* service = vantrelApp->getSignInService();
-        QVERIFY(service);
         QCOMPARE(vantrelApp->getSignInService(), service);
         QCOMPARE(service->parent(), vantrelApp);
-    }
 
-    void mainWidgetIsGuarded()
-    {
         auto* window = new QWidget;
         vantrelApp->setMainWidget(window);
         QCOMPARE(vantrelApp->mainWidget(), window);
@@ -122,13 +118,32 @@ private slots:
         QVERIFY(!vantrelApp->mainWidget());
     }
 
-    void webEngineSwitchFollowsTheHost()
+    void switchesFollowTheHost()
     {
         HostRuntime& runtime = HostRuntime::instance();
-        auto restore = qScopeGuard([&] { runtime.canUseWebEngine = true; });
+        auto restore = qScopeGuard([&] {
+            runtime.canUseWebEngine = true;
+            runtime.windowsPE = false;
+            runtime.allowed.clear();
+            runtime.visible.clear();
+        });
         QVERIFY(vantrelApp->getCanUseWebEngineWidgets());
+        QVERIFY(!IsWindowsPE());
+        // Unknown feature switches are on.
+        QVERIFY(ConfigurableObjects::isAllowed(QStringLiteral("useZendeskTickets")));
+        QVERIFY(ConfigurableObjects::isVisible(QStringLiteral("showNews")));
+
         runtime.canUseWebEngine = false;
+        runtime.windowsPE = true;
+        runtime.allowed.insert(QStringLiteral("useZendeskTickets"), false);
+        runtime.visible.insert(QStringLiteral("showNews"), false);
         QVERIFY(!vantrelApp->getCanUseWebEngineWidgets());
+        QVERIFY(IsWindowsPE());
+        QVERIFY(!ConfigurableObjects::isAllowed(QStringLiteral("useZendeskTickets")));
+        QVERIFY(!ConfigurableObjects::isVisible(QStringLiteral("showNews")));
+        // Allowed and visible are independent of each other.
+        QVERIFY(ConfigurableObjects::isVisible(QStringLiteral("useZendeskTickets")));
+        QVERIFY(ConfigurableObjects::isAllowed(QStringLiteral("showNews")));
     }
 };
 

@@ -1,13 +1,9 @@
 #include "BalloonMessage.h"
 #include "HostTestMain.h"
 
-#include "QtHelpersImages.h"
-
-#include <QDir>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPainter>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
@@ -22,263 +18,199 @@ constexpr int kStayCheckMs = 150;
 class TestBalloonMessage : public QObject
 {
     Q_OBJECT
+
 private slots:
-    void init();
-    void cleanup();
-    void recordsWhatWasAsked();
-    void showsOnlyWhileBalloonsAreOn_data();
-    void showsOnlyWhileBalloonsAreOn();
-    void closesAfterItsTimeout();
-    void permanentTimeoutsKeepItOpen_data();
-    void permanentTimeoutsKeepItOpen();
-    void closesWhenItsTargetIsDestroyed();
-    void closesOnItsCloseButton();
-    void replacesThePreviousBalloonOfTheSameWidget();
-    void keepsBalloonsOfOtherWidgets();
-    void pointsAtTheBottomCentreOfTheRectangle();
-    void staysOnTheScreenNearItsEdges();
-    void withoutWidgetOnlyRecords();
-    void paintsARoundedBubbleWithItsArrow();
+    void init()
+    {
+        HostControl::clearEvents();
+        HostControl::setShowBalloons(true);
+        m_window = new QWidget;
+        m_window->resize(400, 300);
+        m_window->move(100, 100);
+        auto* layout = new QVBoxLayout(m_window);
+        m_edit = new QLineEdit(m_window);
+        m_edit->setObjectName("subjectEdit");
+        layout->addWidget(m_edit);
+        layout->addStretch();
+        m_window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(m_window));
+    }
+
+    void cleanup()
+    {
+        delete m_window;
+        m_window = nullptr;
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+    void recordsWhatWasAsked()
+    {
+        const QRect rect(2, 3, 40, 10);
+        issueBalloonMessage(m_edit, "Please specify a subject.", QMessageBox::Critical, rect, 5000);
+        const auto events = HostControl::events("balloon");
+        QCOMPARE(events.size(), 1);
+        const QVariantMap details = events.first().details;
+        QCOMPARE(details.value("text").toString(), QStringLiteral("Please specify a subject."));
+        QCOMPARE(details.value("icon").toInt(), int(QMessageBox::Critical));
+        QCOMPARE(details.value("timeout").toUInt(), 5000u);
+        QCOMPARE(details.value("widget").toString(), QStringLiteral("subjectEdit"));
+        QCOMPARE(details.value("rect").toRect(), rect);
+
+        // Without a widget the request is only recorded.
+        QVERIFY(!issueBalloonMessage(nullptr, "Nowhere", QMessageBox::Critical));
+        QCOMPARE(HostControl::events("balloon").size(), 2);
+        QCOMPARE(HostControl::events("balloon").last().details.value("widget").toString(), QString());
+    }
+
+    void showsOnlyWhileBalloonsAreOn_data()
+    {
+        QTest::addColumn<bool>("show");
+        QTest::newRow("on") << true;
+        QTest::newRow("off") << false;
+    }
+
+    void showsOnlyWhileBalloonsAreOn()
+    {
+        QFETCH(bool, show);
+        HostControl::setShowBalloons(show);
+        QPointer<CAbstractPopupAssistant> balloon =
+            issueBalloonMessage(m_edit, "Text", QMessageBox::Warning, QRect(), 5000);
+        QVERIFY(balloon);
+        QCOMPARE(balloon->isVisible(), show);
+        QCOMPARE(balloon->text(), QStringLiteral("Text"));
+        QCOMPARE(balloon->icon(), QMessageBox::Warning);
+        QCOMPARE(balloon->target(), m_edit);
+        QCOMPARE(HostControl::events("balloon").size(), 1);
+    }
+
+    void closesAfterTimeoutTargetLossOrCloseButton_data()
+    {
+        QTest::addColumn<QString>("how");
+        for (const char* how : {"timeout", "target destroyed", "close button"})
+            QTest::newRow(how) << how;
+    }
+
+    void closesAfterTimeoutTargetLossOrCloseButton()
+    {
+        QFETCH(QString, how);
+        constexpr unsigned shortTimeout = 50;
+        QPointer<CAbstractPopupAssistant> balloon =
+            issueBalloonMessage(m_edit, "Bye", QMessageBox::Critical, QRect(),
+                                how == QLatin1String("timeout") ? shortTimeout : 0);
+        QVERIFY(balloon);
+        QSignalSpy closed(balloon.data(), &CAbstractPopupAssistant::closed);
+        if (how == QLatin1String("target destroyed")) {
+            delete m_edit;
+            m_edit = nullptr;
+        } else if (how == QLatin1String("close button")) {
+            auto* closeButton = balloon->findChild<QToolButton*>("balloonClose");
+            QVERIFY(closeButton);
+            QVERIFY(!closeButton->icon().isNull());
+            closeButton->click();
+        }
+        QVERIFY(QTest::qWaitFor([&] { return balloon.isNull(); }));
+        QCOMPARE(closed.size(), 1);
+    }
+
+    void permanentTimeoutsKeepItOpen_data()
+    {
+        QTest::addColumn<unsigned>("timeout");
+        QTest::newRow("zero") << 0u;
+        QTest::newRow("all bits") << 0xFFFFFFFFu;
+    }
+
+    void permanentTimeoutsKeepItOpen()
+    {
+        QFETCH(unsigned, timeout);
+        QPointer<CAbstractPopupAssistant> balloon =
+            issueBalloonMessage(m_edit, "Stays", QMessageBox::Critical, QRect(), timeout);
+        QTest::qWait(kStayCheckMs);
+        QVERIFY(balloon);
+        QVERIFY(balloon->isVisible());
+    }
+
+    void replacesThePreviousBalloonOfTheSameWidgetOnly()
+    {
+        QPointer<CAbstractPopupAssistant> first =
+            issueBalloonMessage(m_edit, "First", QMessageBox::Critical, QRect(), 0);
+        QPointer<CAbstractPopupAssistant> second =
+            issueBalloonMessage(m_edit, "Second", QMessageBox::Critical, QRect(), 0);
+        QVERIFY(first != second);
+        QVERIFY(!first || !first->isVisible());
+        QVERIFY(QTest::qWaitFor([&] { return first.isNull(); }));
+        QVERIFY(second);
+        QVERIFY(second->isVisible());
+        QCOMPARE(second->text(), QStringLiteral("Second"));
+        QCOMPARE(HostControl::events("balloon").size(), 2);
+
+        // Balloons of other widgets stay.
+        auto* other = new QLabel("other", m_window);
+        m_window->layout()->addWidget(other);
+        QPointer<CAbstractPopupAssistant> third =
+            issueBalloonMessage(other, "On label", QMessageBox::Critical, QRect(), 0);
+        QTest::qWait(10);
+        QVERIFY(second && third);
+        QVERIFY(second->isVisible());
+    }
+
+    void pointsAtTheBottomCentreOfTheRectangle()
+    {
+        const QRect rect(10, 0, 60, m_edit->height());
+        QPointer<CAbstractPopupAssistant> balloon =
+            issueBalloonMessage(m_edit, "Here", QMessageBox::Critical, rect, 0);
+        QVERIFY(balloon);
+        const QPoint anchor = m_edit->mapToGlobal(QPoint(rect.center().x(), rect.bottom()));
+        const QRect geometry = balloon->frameGeometry();
+        QVERIFY2(geometry.left() < anchor.x() && geometry.right() > anchor.x(),
+                 "the balloon is not under the rectangle");
+        // Below the anchor, with only the shadow margin above the arrow tip.
+        QVERIFY2(qAbs(geometry.top() - anchor.y()) <= 12,
+                 qPrintable(QStringLiteral("top %1, anchor %2").arg(geometry.top()).arg(anchor.y())));
+    }
+
+    void staysOnTheScreenNearItsEdges()
+    {
+        const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+        m_window->move(screen.right() - m_window->width() + 1, screen.bottom() - m_window->height() + 1);
+        auto* corner = new QLabel("corner", m_window);
+        corner->setGeometry(m_window->width() - 10, m_window->height() - 10, 10, 10);
+        corner->show();
+        QTest::qWait(10);
+        QPointer<CAbstractPopupAssistant> balloon = issueBalloonMessage(
+            corner, "A rather long text that makes the balloon wide enough to need moving.",
+            QMessageBox::Critical, QRect(), 0);
+        QVERIFY(balloon);
+        QVERIFY2(screen.contains(balloon->frameGeometry()), qPrintable(QStringLiteral("balloon %1,%2 %3x%4")
+                                                                           .arg(balloon->x())
+                                                                           .arg(balloon->y())
+                                                                           .arg(balloon->width())
+                                                                           .arg(balloon->height())));
+        // No room below the corner: the balloon opens above it.
+        QVERIFY(balloon->frameGeometry().bottom() <= corner->mapToGlobal(QPoint(0, corner->height())).y());
+    }
+
+    void paintsARoundedBubbleWithItsArrow()
+    {
+        QPointer<CAbstractPopupAssistant> balloon = issueBalloonMessage(
+            m_edit, "Please specify a subject of your inquiry to start chat with support.",
+            QMessageBox::Critical, QRect(), 0);
+        QVERIFY(balloon);
+        const QImage image = balloon->grab().toImage();
+        const QPoint anchor =
+            balloon->mapFromGlobal(m_edit->mapToGlobal(QPoint(m_edit->width() / 2, m_edit->height())));
+        // Corners are outside the rounded bubble; the middle is the balloon's background.
+        QCOMPARE(qAlpha(image.pixel(0, 0)), 0);
+        QCOMPARE(qAlpha(image.pixel(image.width() - 1, image.height() - 1)), 0);
+        const QColor middle = image.pixelColor(image.width() / 2, image.height() - 14);
+        QCOMPARE(middle.alpha(), 255);
+        // Just below the arrow tip the arrow is filled.
+        QCOMPARE(qAlpha(image.pixel(anchor.x(), anchor.y() + 6)), 255);
+    }
 
 private:
     QWidget* m_window = nullptr;
     QLineEdit* m_edit = nullptr;
 };
-
-void TestBalloonMessage::init()
-{
-    HostControl::clearEvents();
-    HostControl::setShowBalloons(true);
-    m_window = new QWidget;
-    m_window->resize(400, 300);
-    m_window->move(100, 100);
-    auto* layout = new QVBoxLayout(m_window);
-    m_edit = new QLineEdit(m_window);
-    m_edit->setObjectName("subjectEdit");
-    layout->addWidget(m_edit);
-    layout->addStretch();
-    m_window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_window));
-}
-
-void TestBalloonMessage::cleanup()
-{
-    delete m_window;
-    m_window = nullptr;
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-}
-
-void TestBalloonMessage::recordsWhatWasAsked()
-{
-    const QRect rect(2, 3, 40, 10);
-    issueBalloonMessage(m_edit, "Please specify a subject.", QMessageBox::Critical, rect, 5000);
-    const auto events = HostControl::events("balloon");
-    QCOMPARE(events.size(), 1);
-    const QVariantMap details = events.first().details;
-    QCOMPARE(details.value("text").toString(), QStringLiteral("Please specify a subject."));
-    QCOMPARE(details.value("icon").toInt(), int(QMessageBox::Critical));
-    QCOMPARE(details.value("timeout").toUInt(), 5000u);
-    QCOMPARE(details.value("widget").toString(), QStringLiteral("subjectEdit"));
-    QCOMPARE(details.value("rect").toRect(), rect);
-}
-
-void TestBalloonMessage::showsOnlyWhileBalloonsAreOn_data()
-{
-    QTest::addColumn<bool>("show");
-    QTest::newRow("on") << true;
-    QTest::newRow("off") << false;
-}
-
-void TestBalloonMessage::showsOnlyWhileBalloonsAreOn()
-{
-    QFETCH(bool, show);
-    HostControl::setShowBalloons(show);
-    QPointer<CAbstractPopupAssistant> balloon =
-        issueBalloonMessage(m_edit, "Text", QMessageBox::Warning, QRect(), 5000);
-    QVERIFY(balloon);
-    QCOMPARE(balloon->isVisible(), show);
-    QCOMPARE(balloon->text(), QStringLiteral("Text"));
-    QCOMPARE(balloon->icon(), QMessageBox::Warning);
-    QCOMPARE(balloon->target(), m_edit);
-    QCOMPARE(HostControl::events("balloon").size(), 1);
-}
-
-void TestBalloonMessage::closesAfterItsTimeout()
-{
-    QPointer<CAbstractPopupAssistant> balloon =
-        issueBalloonMessage(m_edit, "Short", QMessageBox::Information, QRect(), 50);
-    QVERIFY(balloon);
-    QSignalSpy closed(balloon.data(), &CAbstractPopupAssistant::closed);
-    QVERIFY(QTest::qWaitFor([&] { return balloon.isNull(); }));
-    QCOMPARE(closed.size(), 1);
-}
-
-void TestBalloonMessage::permanentTimeoutsKeepItOpen_data()
-{
-    QTest::addColumn<unsigned>("timeout");
-    QTest::newRow("zero") << 0u;
-    QTest::newRow("all bits") << 0xFFFFFFFFu;
-}
-
-void TestBalloonMessage::permanentTimeoutsKeepItOpen()
-{
-    QFETCH(unsigned, timeout);
-    QPointer<CAbstractPopupAssistant> balloon =
-        issueBalloonMessage(m_edit, "Stays", QMessageBox::Critical, QRect(), timeout);
-    QTest::qWait(kStayCheckMs);
-    QVERIFY(balloon);
-    QVERIFY(balloon->isVisible());
-}
-
-void TestBalloonMessage::closesWhenItsTargetIsDestroyed()
-{
-    QPointer<CAbstractPopupAssistant> balloon =
-        issueBalloonMessage(m_edit, "Bye", QMessageBox::Critical, QRect(), 0);
-    QVERIFY(balloon);
-    QSignalSpy closed(balloon.data(), &CAbstractPopupAssistant::closed);
-    delete m_edit;
-    m_edit = nullptr;
-    QVERIFY(QTest::qWaitFor([&] { return balloon.isNull(); }));
-    QCOMPARE(closed.size(), 1);
-}
-
-void TestBalloonMessage::closesOnItsCloseButton()
-{
-    QPointer<CAbstractPopupAssistant> balloon =
-        issueBalloonMessage(m_edit, "Close me", QMessageBox::Critical);
-    QVERIFY(balloon);
-    auto* closeButton = balloon->findChild<QToolButton*>("balloonClose");
-    QVERIFY(closeButton);
-    QVERIFY(!closeButton->icon().isNull());
-    QSignalSpy closed(balloon.data(), &CAbstractPopupAssistant::closed);
-    closeButton->click();
-    QCOMPARE(closed.size(), 1);
-    QVERIFY(QTest::qWaitFor([&] { return balloon.isNull(); }));
-}
-
-void TestBalloonMessage::replacesThePreviousBalloonOfTheSameWidget()
-{
-    QPointer<CAbstractPopupAssistant> first =
-        issueBalloonMessage(m_edit, "First", QMessageBox::Critical, QRect(), 0);
-    QPointer<CAbstractPopupAssistant> second =
-        issueBalloonMessage(m_edit, "Second", QMessageBox::Critical, QRect(), 0);
-    QVERIFY(first != second);
-    QVERIFY(!first || !first->isVisible());
-    QVERIFY(QTest::qWaitFor([&] { return first.isNull(); }));
-    QVERIFY(second);
-    QVERIFY(second->isVisible());
-    QCOMPARE(second->text(), QStringLiteral("Second"));
-    QCOMPARE(HostControl::events("balloon").size(), 2);
-}
-
-void TestBalloonMessage::keepsBalloonsOfOtherWidgets()
-{
-    auto* other = new QLabel("other", m_window);
-    m_window->layout()->addWidget(other);
-    QPointer<CAbstractPopupAssistant> first =
-        issueBalloonMessage(m_edit, "On edit", QMessageBox::Critical, QRect(), 0);
-    QPointer<CAbstractPopupAssistant> second =
-        issueBalloonMessage(other, "On label", QMessageBox::Critical, QRect(), 0);
-    QTest::qWait(10);
-    QVERIFY(first);
-    QVERIFY(second);
-    QVERIFY(first->isVisible());
-}
-
-void TestBalloonMessage::pointsAtTheBottomCentreOfTheRectangle()
-{
-    const QRect rect(10, 0, 60, m_edit->height());
-    QPointer<CAbstractPopupAssistant> balloon =
-        issueBalloonMessage(m_edit, "Here", QMessageBox::Critical, rect, 0);
-    QVERIFY(balloon);
-    const QPoint anchor = m_edit->mapToGlobal(QPoint(rect.center().x(), rect.bottom()));
-    const QRect geometry = balloon->frameGeometry();
-    QVERIFY2(geometry.left() < anchor.x() && geometry.right() > anchor.x(),
-             "the balloon is not under the rectangle");
-    // Below the anchor, with only the shadow margin above the arrow tip.
-    QVERIFY2(qAbs(geometry.top() - anchor.y()) <= 12,
-             qPrintable(QStringLiteral("top %1, anchor %2").arg(geometry.top()).arg(anchor.y())));
-}
-
-void TestBalloonMessage::staysOnTheScreenNearItsEdges()
-{
-    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-    m_window->move(screen.right() - m_window->width() + 1, screen.bottom() - m_window->height() + 1);
-    auto* corner = new QLabel("corner", m_window);
-    corner->setGeometry(m_window->width() - 10, m_window->height() - 10, 10, 10);
-    corner->show();
-    QTest::qWait(10);
-    QPointer<CAbstractPopupAssistant> balloon =
-        issueBalloonMessage(corner, "A rather long text that makes the balloon wide enough to need moving.",
-                            QMessageBox::Critical, QRect(), 0);
-    QVERIFY(balloon);
-    QVERIFY2(screen.contains(balloon->frameGeometry()), qPrintable(QStringLiteral("balloon %1,%2 %3x%4")
-                                                                       .arg(balloon->x())
-                                                                       .arg(balloon->y())
-                                                                       .arg(balloon->width())
-                                                                       .arg(balloon->height())));
-    // No room below the corner: the balloon opens above it.
-    QVERIFY(balloon->frameGeometry().bottom() <= corner->mapToGlobal(QPoint(0, corner->height())).y());
-}
-
-void TestBalloonMessage::withoutWidgetOnlyRecords()
-{
-    QPointer<CAbstractPopupAssistant> balloon =
-        issueBalloonMessage(nullptr, "Nowhere", QMessageBox::Critical);
-    QVERIFY(balloon.isNull());
-    QCOMPARE(HostControl::events("balloon").size(), 1);
-    QCOMPARE(HostControl::events("balloon").first().details.value("widget").toString(), QString());
-}
-
-void TestBalloonMessage::paintsARoundedBubbleWithItsArrow()
-{
-    QPointer<CAbstractPopupAssistant> balloon =
-        issueBalloonMessage(m_edit, "Please specify a subject of your inquiry to start chat with support.",
-                            QMessageBox::Critical, QRect(), 0);
-    QVERIFY(balloon);
-    const QImage image = balloon->grab().toImage();
-    const QPoint anchor =
-        balloon->mapFromGlobal(m_edit->mapToGlobal(QPoint(m_edit->width() / 2, m_edit->height())));
-    // Corners are outside the rounded bubble; the middle is the balloon's background.
-    QCOMPARE(qAlpha(image.pixel(0, 0)), 0);
-    QCOMPARE(qAlpha(image.pixel(image.width() - 1, image.height() - 1)), 0);
-    const QColor middle = image.pixelColor(image.width() / 2, image.height() - 14);
-    QCOMPARE(middle.alpha(), 255);
-    // Just below the arrow tip the arrow is filled.
-    QCOMPARE(qAlpha(image.pixel(anchor.x(), anchor.y() + 6)), 255);
-
-    const QString folder = qEnvironmentVariable("NEWSREADER_REVIEW_PNG_DIR");
-    if (folder.isEmpty())
-        return;
-    // A review sheet: balloons of each kind and every image at three sizes.
-    const QStringList names = qtHelpers::images::names();
-    constexpr int kCell = 72;
-    QImage sheet(QSize(kCell * 3 * 2 + 420, 40 + (names.size() / 2 + 1) * kCell), QImage::Format_ARGB32);
-    sheet.fill(QColor(0xee, 0xf1, 0xf4));
-    QPainter painter(&sheet);
-    int row = 0;
-    for (int i = 0; i < names.size(); ++i) {
-        const int column = (i % 2) * (kCell * 3);
-        row = i / 2;
-        int x = column;
-        for (int size : {16, 32, 64}) {
-            painter.drawPixmap(x + 4, 20 + row * kCell, qtHelpers::images::pixmap(names.at(i), size, false));
-            x += size + 6;
-        }
-        painter.drawText(column + 4, 18 + row * kCell, names.at(i));
-    }
-    int y = 20;
-    for (auto icon : {QMessageBox::Critical, QMessageBox::Warning, QMessageBox::Information}) {
-        QPointer<CAbstractPopupAssistant> sample =
-            issueBalloonMessage(m_edit, "The message is too long, please make it shorter.", icon, QRect(), 0);
-        const QPixmap shot = sample->grab();
-        painter.drawPixmap(kCell * 6 + 10, y, shot);
-        y += shot.height() + 10;
-    }
-    painter.end();
-    QDir().mkpath(folder);
-    QVERIFY(sheet.save(QDir(folder).filePath("balloon-and-icons.png")));
-}
 
 HOST_TEST_MAIN(TestBalloonMessage)
 #include "tst_balloonmessage.moc"

@@ -48,127 +48,115 @@ private:
 class TestCKOLDialog : public QObject
 {
     Q_OBJECT
+
 private slots:
-    void init();
-    void loadsItsFormAboveTheButtonsOnce();
-    void reportsAMissingForm();
-    void runsModallyAndRecordsTheResult_data();
-    void runsModallyAndRecordsTheResult();
-    void leavesClosingOnOkToTheSubclass();
-    void defaultOkCloses();
-    void escapeFollowsTheCancelButton();
-    void modelessDialogsReturnAtOnce();
+    void init() { HostControl::clearEvents(); }
+
+    void loadsItsFormAboveTheButtonsOnce()
+    {
+        ProbeDialog dialog("communications.createIncident.ui");
+        QVERIFY(dialog.ensureLoaded());
+        QVERIFY(dialog.ensureLoaded());
+        QCOMPARE(dialog.setupCalls, 1);
+        QVERIFY(dialog.formWidget());
+        QVERIFY(dialog.subject);
+        QVERIFY(dialog.formWidget()->findChild<QStackedWidget*>("stackedWidget"));
+        QVERIFY(dialog.okButton());
+        QVERIFY(dialog.cancelButton());
+        QVERIFY(dialog.okButton()->isDefault());
+        QCOMPARE(dialog.argument(), QVariant(42));
+        dialog.resize(640, 480);
+        dialog.show();
+        QVERIFY(dialog.formWidget()->geometry().bottom() <
+                dialog.okButton()->mapTo(&dialog, QPoint(0, 0)).y());
+    }
+
+    void reportsAMissingForm()
+    {
+        ProbeDialog dialog("no.such.form.ui");
+        QTest::ignoreMessage(QtCriticalMsg,
+                             QRegularExpression("CKOLDialog \\(.*ProbeDialog\\): cannot load form "
+                                                "\"no.such.form.ui\""));
+        QVERIFY(!dialog.ensureLoaded());
+        QVERIFY(!dialog.formWidget());
+        QCOMPARE(dialog.setupCalls, 0);
+        QTest::ignoreMessage(QtCriticalMsg, QRegularExpression("cannot load form"));
+        QCOMPARE(dialog.Execute(), int(QDialog::Rejected));
+        QVERIFY(!dialog.isVisible());
+    }
+
+    void runsModallyAndRecordsTheResult_data()
+    {
+        QTest::addColumn<bool>("accept");
+        QTest::addColumn<int>("result");
+        QTest::newRow("ok") << true << int(QDialog::Accepted);
+        QTest::newRow("cancel") << false << int(QDialog::Rejected);
+    }
+
+    void runsModallyAndRecordsTheResult()
+    {
+        QFETCH(bool, accept);
+        QFETCH(int, result);
+        ProbeDialog dialog("communications.createIncident.ui");
+        dialog.closeOnAccept = true;
+        QSize shownSize;
+        QTimer::singleShot(0, &dialog, [&] {
+            shownSize = dialog.size();
+            (accept ? dialog.okButton() : dialog.cancelButton())->click();
+        });
+        QCOMPARE(dialog.Execute(), result);
+        QCOMPARE(shownSize, QSize(640, 480));
+        const auto events = HostControl::events("dialogExecuted");
+        QCOMPARE(events.size(), 1);
+        QVERIFY(events.first().details.value("class").toString().endsWith("ProbeDialog"));
+        QCOMPARE(events.first().details.value("result").toInt(), result);
+    }
+
+    void leavesClosingOnOkToTheSubclass()
+    {
+        ProbeDialog dialog("communications.createIncident.ui");
+        QVERIFY(dialog.ensureLoaded());
+        dialog.show();
+        dialog.okButton()->click();
+        QCOMPARE(dialog.acceptCalls, 1);
+        QVERIFY(dialog.isVisible());
+        dialog.reject();
+        QVERIFY(!dialog.isVisible());
+        QCOMPARE(dialog.result(), int(QDialog::Rejected));
+
+        // Without a subclass, OK closes.
+        CKOLDialog plain(nullptr, false, QVariant(), false);
+        plain.show();
+        plain.okButton()->click();
+        QVERIFY(!plain.isVisible());
+        QCOMPARE(plain.result(), int(QDialog::Accepted));
+    }
+
+    void escapeFollowsTheCancelButton()
+    {
+        ProbeDialog dialog("communications.createIncident.ui");
+        QVERIFY(dialog.ensureLoaded());
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        dialog.cancelButton()->setEnabled(false);
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+        QVERIFY(dialog.isVisible());
+        dialog.cancelButton()->setEnabled(true);
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+        QVERIFY(!dialog.isVisible());
+    }
+
+    void modelessDialogsReturnAtOnce()
+    {
+        ProbeDialog dialog("communications.createIncident.ui", true);
+        dialog.Execute();
+        QVERIFY(dialog.isVisible());
+        QVERIFY(!dialog.isModal());
+        QVERIFY(HostControl::events("dialogExecuted").isEmpty());
+        dialog.reject();
+        QCOMPARE(HostControl::events("dialogExecuted").size(), 1);
+    }
 };
-
-void TestCKOLDialog::init()
-{
-    HostControl::clearEvents();
-}
-
-void TestCKOLDialog::loadsItsFormAboveTheButtonsOnce()
-{
-    ProbeDialog dialog("communications.createIncident.ui");
-    QVERIFY(dialog.ensureLoaded());
-    QVERIFY(dialog.ensureLoaded());
-    QCOMPARE(dialog.setupCalls, 1);
-    QVERIFY(dialog.formWidget());
-    QVERIFY(dialog.subject);
-    QVERIFY(dialog.formWidget()->findChild<QStackedWidget*>("stackedWidget"));
-    QVERIFY(dialog.okButton());
-    QVERIFY(dialog.cancelButton());
-    QVERIFY(dialog.okButton()->isDefault());
-    QCOMPARE(dialog.argument(), QVariant(42));
-    dialog.resize(640, 480);
-    dialog.show();
-    QVERIFY(dialog.formWidget()->geometry().bottom() < dialog.okButton()->mapTo(&dialog, QPoint(0, 0)).y());
-}
-
-void TestCKOLDialog::reportsAMissingForm()
-{
-    ProbeDialog dialog("no.such.form.ui");
-    QTest::ignoreMessage(QtCriticalMsg, QRegularExpression("CKOLDialog \\(.*ProbeDialog\\): cannot load form "
-                                                           "\"no.such.form.ui\""));
-    QVERIFY(!dialog.ensureLoaded());
-    QVERIFY(!dialog.formWidget());
-    QCOMPARE(dialog.setupCalls, 0);
-    QTest::ignoreMessage(QtCriticalMsg, QRegularExpression("cannot load form"));
-    QCOMPARE(dialog.Execute(), int(QDialog::Rejected));
-    QVERIFY(!dialog.isVisible());
-}
-
-void TestCKOLDialog::runsModallyAndRecordsTheResult_data()
-{
-    QTest::addColumn<bool>("accept");
-    QTest::addColumn<int>("result");
-    QTest::newRow("ok") << true << int(QDialog::Accepted);
-    QTest::newRow("cancel") << false << int(QDialog::Rejected);
-}
-
-void TestCKOLDialog::runsModallyAndRecordsTheResult()
-{
-    QFETCH(bool, accept);
-    QFETCH(int, result);
-    ProbeDialog dialog("communications.createIncident.ui");
-    dialog.closeOnAccept = true;
-    QSize shownSize;
-    QTimer::singleShot(0, &dialog, [&] {
-        shownSize = dialog.size();
-        (accept ? dialog.okButton() : dialog.cancelButton())->click();
-    });
-    QCOMPARE(dialog.Execute(), result);
-    QCOMPARE(shownSize, QSize(640, 480));
-    const auto events = HostControl::events("dialogExecuted");
-    QCOMPARE(events.size(), 1);
-    QVERIFY(events.first().details.value("class").toString().endsWith("ProbeDialog"));
-    QCOMPARE(events.first().details.value("result").toInt(), result);
-}
-
-void TestCKOLDialog::leavesClosingOnOkToTheSubclass()
-{
-    ProbeDialog dialog("communications.createIncident.ui");
-    QVERIFY(dialog.ensureLoaded());
-    dialog.show();
-    dialog.okButton()->click();
-    QCOMPARE(dialog.acceptCalls, 1);
-    QVERIFY(dialog.isVisible());
-    dialog.reject();
-    QVERIFY(!dialog.isVisible());
-    QCOMPARE(dialog.result(), int(QDialog::Rejected));
-}
-
-void TestCKOLDialog::defaultOkCloses()
-{
-    CKOLDialog dialog(nullptr, false, QVariant(), false);
-    dialog.show();
-    dialog.okButton()->click();
-    QVERIFY(!dialog.isVisible());
-    QCOMPARE(dialog.result(), int(QDialog::Accepted));
-}
-
-void TestCKOLDialog::escapeFollowsTheCancelButton()
-{
-    ProbeDialog dialog("communications.createIncident.ui");
-    QVERIFY(dialog.ensureLoaded());
-    dialog.show();
-    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
-    dialog.cancelButton()->setEnabled(false);
-    QTest::keyClick(&dialog, Qt::Key_Escape);
-    QVERIFY(dialog.isVisible());
-    dialog.cancelButton()->setEnabled(true);
-    QTest::keyClick(&dialog, Qt::Key_Escape);
-    QVERIFY(!dialog.isVisible());
-}
-
-void TestCKOLDialog::modelessDialogsReturnAtOnce()
-{
-    ProbeDialog dialog("communications.createIncident.ui", true);
-    dialog.Execute();
-    QVERIFY(dialog.isVisible());
-    QVERIFY(!dialog.isModal());
-    QVERIFY(HostControl::events("dialogExecuted").isEmpty());
-    dialog.reject();
-    QCOMPARE(HostControl::events("dialogExecuted").size(), 1);
-}
 
 HOST_TEST_MAIN(TestCKOLDialog)
 #include "tst_ckoldialog.moc"

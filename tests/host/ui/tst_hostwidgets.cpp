@@ -9,62 +9,58 @@
 class TestHostWidgets : public QObject
 {
     Q_OBJECT
+
 private slots:
-    void busyIndicatorSpinsOnlyWhileVisible();
-    void busyIndicatorMakesRoomForItsText();
-    void iconControlIsAsLargeAsItsIcon();
-    void iconControlPaintsItsIconCentred();
+    void busyIndicatorSpinsOnlyWhileVisible()
+    {
+        QWidget page;
+        auto* busy = new CBusyStateCtl(&page);
+        busy->resize(200, 100);
+        auto* timer = busy->findChild<QTimer*>();
+        QVERIFY(timer);
+        QVERIFY(!timer->isActive());
+        page.show();
+        QVERIFY(timer->isActive());
+        const QImage first = busy->grab().toImage();
+        QTest::qWait(150);
+        QVERIFY2(busy->grab().toImage() != first, "the spinner did not move");
+        page.hide(); // hiding the page hides the indicator with it
+        QVERIFY(!timer->isActive());
+    }
+
+    void busyIndicatorMakesRoomForItsText()
+    {
+        CBusyStateCtl busy;
+        const QSize bare = busy.sizeHint();
+        busy.setBusyText(QStringLiteral("Creating new communication, please wait a moment..."));
+        QCOMPARE(busy.busyText(), QStringLiteral("Creating new communication, please wait a moment..."));
+        QVERIFY(busy.sizeHint().height() > bare.height());
+        QVERIFY(busy.sizeHint().width() >= busy.fontMetrics().horizontalAdvance(busy.busyText()));
+    }
+
+    void iconControlIsAsLargeAsItsIcon()
+    {
+        CIconControl control;
+        control.setIconSize(QSize(40, 40));
+        QCOMPARE(control.iconSize(), QSize(40, 40));
+        QCOMPARE(control.sizeHint(), QSize(40, 40));
+        control.setContentsMargins(2, 2, 2, 2);
+        QCOMPARE(control.sizeHint(), QSize(44, 44));
+    }
+
+    void iconControlPaintsItsIconCentred()
+    {
+        CIconControl control;
+        control.setIcon(qtHelpers::images::icon("balloon-critical"));
+        control.setIconSize(QSize(24, 24));
+        control.resize(64, 64);
+        const QImage image = control.grab().toImage();
+        // The red disc sits in the middle; the corners stay the background.
+        const QColor centre = image.pixelColor(26, 32); // left of the white cross
+        QVERIFY(centre.red() > 200 && centre.green() < 120);
+        QVERIFY(image.pixelColor(2, 2) != centre);
+    }
 };
-
-void TestHostWidgets::busyIndicatorSpinsOnlyWhileVisible()
-{
-    QWidget page;
-    auto* busy = new CBusyStateCtl(&page);
-    busy->resize(200, 100);
-    auto* timer = busy->findChild<QTimer*>();
-    QVERIFY(timer);
-    QVERIFY(!timer->isActive());
-    page.show();
-    QVERIFY(timer->isActive());
-    const QImage first = busy->grab().toImage();
-    QTest::qWait(150);
-    QVERIFY2(busy->grab().toImage() != first, "the spinner did not move");
-    page.hide(); // hiding the page hides the indicator with it
-    QVERIFY(!timer->isActive());
-}
-
-void TestHostWidgets::busyIndicatorMakesRoomForItsText()
-{
-    CBusyStateCtl busy;
-    const QSize bare = busy.sizeHint();
-    busy.setBusyText(QStringLiteral("Creating new communication, please wait a moment..."));
-    QCOMPARE(busy.busyText(), QStringLiteral("Creating new communication, please wait a moment..."));
-    QVERIFY(busy.sizeHint().height() > bare.height());
-    QVERIFY(busy.sizeHint().width() >= busy.fontMetrics().horizontalAdvance(busy.busyText()));
-}
-
-void TestHostWidgets::iconControlIsAsLargeAsItsIcon()
-{
-    CIconControl control;
-    control.setIconSize(QSize(40, 40));
-    QCOMPARE(control.iconSize(), QSize(40, 40));
-    QCOMPARE(control.sizeHint(), QSize(40, 40));
-    control.setContentsMargins(2, 2, 2, 2);
-    QCOMPARE(control.sizeHint(), QSize(44, 44));
-}
-
-void TestHostWidgets::iconControlPaintsItsIconCentred()
-{
-    CIconControl control;
-    control.setIcon(qtHelpers::images::icon("balloon-critical"));
-    control.setIconSize(QSize(24, 24));
-    control.resize(64, 64);
-    const QImage image = control.grab().toImage();
-    // The red disc sits in the middle; the corners stay the background.
-    const QColor centre = image.pixelColor(26, 32); // left of the white cross
-    QVERIFY(centre.red() > 200 && centre.green() < 120);
-    QVERIFY(image.pixelColor(2, 2) != centre);
-}
 
 HOST_TEST_MAIN(TestHostWidgets)
 #include "tst_hostwidgets.moc"

@@ -8,86 +8,67 @@
 class TestQtHelpersInvoke : public QObject
 {
     Q_OBJECT
+
 private slots:
-    void neverRunsInsideTheCall();
-    void runsAfterOrdinaryEventsEvenWhenTheyArePostedLater();
-    void keepsTheOrderOfIdleCalls();
-    void skipsCallsWhoseContextIsGone();
-    void skipsCallsWhoseContextAnEarlierCallDeleted();
-    void runsWithoutContext();
+    void neverRunsInsideTheCall()
+    {
+        QObject context;
+        bool ran = false;
+        qtHelpers::invokeOnIdle(&context, [&] { ran = true; });
+        QVERIFY(!ran);
+        QVERIFY(QTest::qWaitFor([&] { return ran; }));
+        bool ranWithoutContext = false;
+        qtHelpers::invokeOnIdle(nullptr, [&] { ranWithoutContext = true; });
+        QVERIFY(!ranWithoutContext);
+        QVERIFY(QTest::qWaitFor([&] { return ranWithoutContext; }));
+    }
+
+    void runsAfterOrdinaryEventsEvenWhenTheyArePostedLater()
+    {
+        QObject context;
+        QStringList order;
+        QMetaObject::invokeMethod(
+            &context, [&] { order << "queued before"; }, Qt::QueuedConnection);
+        qtHelpers::invokeOnIdle(&context, [&] { order << "idle"; });
+        QMetaObject::invokeMethod(
+            &context, [&] { order << "queued after"; }, Qt::QueuedConnection);
+        QTimer::singleShot(0, &context, [&] { order << "zero timer"; });
+        QVERIFY(QTest::qWaitFor([&] { return order.size() == 4; }));
+        QCOMPARE(order.last(), QStringLiteral("idle"));
+        QCOMPARE(order.first(), QStringLiteral("queued before"));
+    }
+
+    void keepsTheOrderOfIdleCalls()
+    {
+        QObject context;
+        QList<int> order;
+        for (int i = 0; i < 5; ++i)
+            qtHelpers::invokeOnIdle(&context, [&order, i] { order << i; });
+        QVERIFY(QTest::qWaitFor([&] { return order.size() == 5; }));
+        QCOMPARE(order, (QList<int>{0, 1, 2, 3, 4}));
+    }
+
+    void skipsCallsWhoseContextIsGone()
+    {
+        auto* context = new QObject;
+        QPointer<QObject> guard(context);
+        int runs = 0;
+        qtHelpers::invokeOnIdle(context, [&] {
+            ++runs;
+            delete context;
+        });
+        qtHelpers::invokeOnIdle(context, [&] { ++runs; });
+        auto* deletedBeforeIdle = new QObject;
+        qtHelpers::invokeOnIdle(deletedBeforeIdle, [&] { ++runs; });
+        delete deletedBeforeIdle;
+        QObject witness;
+        bool witnessRan = false;
+        qtHelpers::invokeOnIdle(&witness, [&] { witnessRan = true; });
+        QVERIFY(QTest::qWaitFor([&] { return witnessRan; }));
+        QVERIFY(guard.isNull());
+        QCOMPARE(runs, 1);
+    }
 };
-
-void TestQtHelpersInvoke::neverRunsInsideTheCall()
-{
-    QObject context;
-    bool ran = false;
-    qtHelpers::invokeOnIdle(&context, [&] { ran = true; });
-    QVERIFY(!ran);
-    QVERIFY(QTest::qWaitFor([&] { return ran; }));
-}
-
-void TestQtHelpersInvoke::runsAfterOrdinaryEventsEvenWhenTheyArePostedLater()
-{
-    QObject context;
-    QStringList order;
-    QMetaObject::invokeMethod(
-        &context, [&] { order << "queued before"; }, Qt::QueuedConnection);
-    qtHelpers::invokeOnIdle(&context, [&] { order << "idle"; });
-    QMetaObject::invokeMethod(
-        &context, [&] { order << "queued after"; }, Qt::QueuedConnection);
-    QTimer::singleShot(0, &context, [&] { order << "zero timer"; });
-    QVERIFY(QTest::qWaitFor([&] { return order.size() == 4; }));
-    QCOMPARE(order.last(), QStringLiteral("idle"));
-    QCOMPARE(order.first(), QStringLiteral("queued before"));
-}
-
-void TestQtHelpersInvoke::keepsTheOrderOfIdleCalls()
-{
-    QObject context;
-    QList<int> order;
-    for (int i = 0; i < 5; ++i)
-        qtHelpers::invokeOnIdle(&context, [&order, i] { order << i; });
-    QVERIFY(QTest::qWaitFor([&] { return order.size() == 5; }));
-    QCOMPARE(order, (QList<int>{0, 1, 2, 3, 4}));
-}
-
-void TestQtHelpersInvoke::skipsCallsWhoseContextIsGone()
-{
-    auto* context = new QObject;
-    QObject witness;
-    bool ran = false;
-    bool witnessRan = false;
-    qtHelpers::invokeOnIdle(context, [&] { ran = true; });
-    qtHelpers::invokeOnIdle(&witness, [&] { witnessRan = true; });
-    delete context;
-    QVERIFY(QTest::qWaitFor([&] { return witnessRan; }));
-    QVERIFY(!ran);
-}
-
-void TestQtHelpersInvoke::skipsCallsWhoseContextAnEarlierCallDeleted()
-{
-    auto* context = new QObject;
-    QPointer<QObject> guard(context);
-    int runs = 0;
-    qtHelpers::invokeOnIdle(context, [&] {
-        ++runs;
-        delete context;
-    });
-    qtHelpers::invokeOnIdle(context, [&] { ++runs; });
-    QObject witness;
-    bool witnessRan = false;
-    qtHelpers::invokeOnIdle(&witness, [&] { witnessRan = true; });
-    QVERIFY(QTest::qWaitFor([&] { return witnessRan; }));
-    QVERIFY(guard.isNull());
-    QCOMPARE(runs, 1);
-}
-
-void TestQtHelpersInvoke::runsWithoutContext()
-{
-    bool ran = false;
-    qtHelpers::invokeOnIdle(nullptr, [&] { ran = true; });
-    QVERIFY(QTest::qWaitFor([&] { return ran; }));
-}
 
 HOST_TEST_MAIN(TestQtHelpersInvoke)
 #include "tst_qthelpersinvoke.moc"
