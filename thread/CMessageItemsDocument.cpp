@@ -3,6 +3,7 @@
 #include "AttachmentLinks.h"
 #include "CBlockIdentification.h"
 #include "CColorIndexes.h"
+#include "CFrameTreeSplicer.h"
 #include "CShellImageList.h"
 #include "CVantrelApp.h"
 #include "HostFiles.h"
@@ -207,6 +208,12 @@ bool CMessageItemsDocument::isHtmlBody(const QString& body)
 
 CMessageItemIndex CMessageItemsDocument::appendMessage(const CIncidentCommunication& message)
 {
+    // A cursor made from a block does not ask the layout for the block's lines, as a cursor made at a
+    // position does; while a thread is being built its layout is not done yet, and asking would lay it out
+    // every time.
+    const QTextBlock last = lastBlock();
+    if (last.isValid() && last.length() == 1 && frameAt(last.position()) == rootFrame())
+        return insertMessage(message, QTextCursor(last), true);
     return insertMessage(message, rootFrame()->lastCursorPosition(), true);
 }
 
@@ -218,6 +225,7 @@ CMessageItemIndex CMessageItemsDocument::insertMessage(const CIncidentCommunicat
 
     const bool own = !message.fromOtherParty;
     QTextCursor cursor(at);
+    CFrameTreeSplicer frameTree(this);
     cursor.beginEditBlock();
 
     QTextTableFormat tableFormat;
@@ -270,6 +278,8 @@ CMessageItemIndex CMessageItemsDocument::insertMessage(const CIncidentCommunicat
         insertAttachmentTable(content, message.attachments.at(i), i == 0);
     insertBody(content, message);
     insertFooter(content, message);
+    if (table)
+        frameTree.attach(table->firstPosition() - 1, table->lastPosition());
     cursor.endEditBlock();
 
     CMessageItemIndex result{table, message};

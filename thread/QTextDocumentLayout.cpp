@@ -1,5 +1,6 @@
 #include "QTextDocumentLayout.h"
 
+#include "CBackgroundCapture.h"
 #include "CColorIndexes.h"
 #include "CVantrelApp.h"
 #include "MessageFormatProperties.h"
@@ -7,7 +8,9 @@
 
 #include <QPainter>
 #include <QScopeGuard>
+#include <QTextBlock>
 #include <QTextTable>
+#include <QTimerEvent>
 #include <QVarLengthArray>
 #include <QtGui/private/qtextdocument_p.h>
 #include <QtGui/private/qtextformat_p.h>
@@ -23,6 +26,10 @@ namespace {
 using namespace MessageFormatProperties;
 
 constexpr int kRadiusProperties[] = {TopLeftRadius, TopRightRadius, BottomRightRadius, BottomLeftRadius};
+// What layoutStatus() reports once nothing is left to lay out.
+constexpr int kLayoutComplete = 100;
+// Marker colours carry a format index in their red, green and blue bits.
+constexpr QRgb kMarkerIndexMask = 0xffffff;
 
 // A background that paints nothing is left to the base layout: taking it over would only cost time.
 bool paintsSomething(const QBrush& brush)
@@ -148,8 +155,133 @@ void QTextDocumentLayout::collectTable(QTextTable* table, const QRectF& visible,
     }
 }
 
+// A document without a text width is not shown by any view yet (views give it their width), and building a
+// thread appends to it message after message: laying out each insertion on its own cost more than building.
+// Its changes are only noted, and the layout catches up in one lazy pass, as after setting new text, when
+// anything asks for geometry or paints, when it gets a width, or at the latest once the event loop turns.
+void QTextDocumentLayout::documentChanged(int from, int oldLength, int length)
+{
+    QTextDocument* doc = document();
+    if (doc->textWidth() < 0 && !doc->pageSize().isNull()) {
+        // The lines of the changed blocks are stale whatever happens next; the base drops them first as well.
+        QTextBlock block = doc->findBlock(from);
+        QTextBlock end = doc->findBlock(std::max(0, from + length - 1));
+        if (end.isValid())
+            end = end.next();
+        for (; block.isValid() && block != end; block = block.next())
+            block.clearLayout();
+        m_layoutPending = true;
+        if (!m_catchUpTimer.isActive())
+            m_catchUpTimer.start(0, this);
+        return;
+    }
+    const bool wholeDocument = from == 0 && oldLength == 0 && length == doc->characterCount();
+    if (!wholeDocument)
+        catchUpLayout();
+    m_layoutPending = false;
+    m_catchUpTimer.stop();
+    ::QTextDocumentLayout::documentChanged(from, oldLength, length);
+}
+
+void QTextDocumentLayout::catchUpLayout() const
+{
+    // Inside an edit block the toolkit's layout is not up to date either (it hears of the changes only when
+    // the block ends), and cursors ask for block geometry on every move: catching up there would lay out the
+    // document once per move.
+    if (!m_layoutPending || QTextDocumentPrivate::get(document())->isInEditBlock())
+        return;
+    m_layoutPending = false;
+    m_catchUpTimer.stop();
+    auto* self = const_cast<QTextDocumentLayout*>(this);
+    self->::QTextDocumentLayout::documentChanged(0, 0, document()->characterCount());
+}
+
+void QTextDocumentLayout::timerEvent(QTimerEvent* event)
+{
+    if (event->timerId() == m_catchUpTimer.timerId()) {
+        catchUpLayout();
+        return;
+    }
+    ::QTextDocumentLayout::timerEvent(event);
+}
+
+int QTextDocumentLayout::hitTest(const QPointF& point, Qt::HitTestAccuracy accuracy) const
+{
+    catchUpLayout();
+    return ::QTextDocumentLayout::hitTest(point, accuracy);
+}
+
+int QTextDocumentLayout::pageCount() const
+{
+    catchUpLayout();
+    return ::QTextDocumentLayout::pageCount();
+}
+
+QSizeF QTextDocumentLayout::documentSize() const
+{
+    catchUpLayout();
+    return ::QTextDocumentLayout::documentSize();
+}
+
+QRectF QTextDocumentLayout::frameBoundingRect(QTextFrame* frame) const
+{
+    catchUpLayout();
+    return ::QTextDocumentLayout::frameBoundingRect(frame);
+}
+
+QRectF QTextDocumentLayout::blockBoundingRect(const QTextBlock& block) const
+{
+    catchUpLayout();
+    return ::QTextDocumentLayout::blockBoundingRect(block);
+}
+
+// While the layout is still lazy, the toolkit's geometry calls would lay out the whole document before
+// answering. Its own drawing knows where every laid-out background goes without that, so it is run once
+// against a device that only records fills: every background this layout paints is given a marker brush
+// carrying its format index for the duration.
+void QTextDocumentLayout::captureBackgrounds(QPainter* painter, const PaintContext& context,
+                                             const QRectF& visible, std::vector<Background>& out)
+{
+    QTextDocument* doc = document();
+    QList<QTextFormat>& formats = QTextDocumentPrivate::get(doc)->formatCollection()->formats;
+    const int rootIndex = doc->rootFrame()->formatIndex();
+    QHash<int, QTextFormat> marked;
+    auto restore = qScopeGuard([&] {
+        for (auto it = marked.cbegin(); it != marked.cend(); ++it)
+            formats[it.key()] = it.value();
+    });
+    for (int index = 0; index < formats.size(); ++index) {
+        const QTextFormat& format = formats.at(index);
+        if (index == rootIndex || !(format.isFrameFormat() || format.isTableCellFormat()))
+            continue;
+        if (!paintsSomething(format.background()) || QRgb(index) > kMarkerIndexMask)
+            continue;
+        marked.insert(index, format);
+        formats[index].setBackground(QBrush(QColor::fromRgb(QRgb(index)), CBackgroundCapture::MarkerStyle));
+    }
+    if (marked.isEmpty())
+        return;
+
+    CBackgroundCapture capture(painter->device());
+    {
+        QPainter recorder(&capture);
+        PaintContext recordContext = context;
+        // A shadow reaches beyond its background, so the backgrounds just outside the area count as well.
+        recordContext.clip = visible;
+        ::QTextDocumentLayout::draw(&recorder, recordContext);
+    }
+    for (const CBackgroundCapture::Fill& fill : capture.fills()) {
+        const int index = int(fill.colour & kMarkerIndexMask);
+        const auto found = marked.constFind(index);
+        if (found == marked.cend() || !fill.rect.intersects(visible))
+            continue;
+        out.push_back({*found, fill.rect, found->background(), index});
+    }
+}
+
 void QTextDocumentLayout::draw(QPainter* painter, const PaintContext& context)
 {
+    catchUpLayout();
     QTextDocument* doc = document();
     if (doc->pageSize().isNull()) {
         ::QTextDocumentLayout::draw(painter, context);
@@ -170,7 +302,10 @@ void QTextDocumentLayout::draw(QPainter* painter, const PaintContext& context)
     // The root background lies beneath everything, so it must be painted before the bubbles, not by the base.
     if (paintsSomething(rootFormat.background()))
         backgrounds.push_back({rootFormat, area, rootFormat.background(), root->formatIndex()});
-    collectChildFrames(root, visible, scale, backgrounds);
+    if (layoutStatus() == kLayoutComplete)
+        collectChildFrames(root, visible, scale, backgrounds);
+    else
+        captureBackgrounds(painter, context, visible, backgrounds);
 
     // The base layout paints everything else; it runs with the backgrounds we painted cleared from the
     // shared format collection, and the formats are restored as soon as it returns.

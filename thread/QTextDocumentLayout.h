@@ -8,6 +8,7 @@
 
 #include "CBubbleShadowCache.h"
 
+#include <QBasicTimer>
 #include <QtGui/private/qtextdocumentlayout_p.h>
 
 class QTextTable;
@@ -24,6 +25,14 @@ public:
     ~QTextDocumentLayout() override;
 
     void draw(QPainter* painter, const PaintContext& context) override;
+    int hitTest(const QPointF& point, Qt::HitTestAccuracy accuracy) const override;
+    int pageCount() const override;
+    QSizeF documentSize() const override;
+    QRectF frameBoundingRect(QTextFrame* frame) const override;
+    QRectF blockBoundingRect(const QTextBlock& block) const override;
+
+    // True while changes to a document without a text width wait to be laid out.
+    bool layoutPending() const { return m_layoutPending; }
 
     TextImageHandler* imageHandler() const { return m_imageHandler; }
     const CBubbleShadowCache& shadowCache() const { return m_shadows; }
@@ -34,8 +43,16 @@ public:
     static constexpr qreal ShadowRight = 5.0;
     static constexpr qreal ShadowBottom = 5.0;
 
+protected:
+    void documentChanged(int from, int oldLength, int length) override;
+    void timerEvent(QTimerEvent* event) override;
+
 private:
     struct Background;
+
+    void catchUpLayout() const;
+    void captureBackgrounds(QPainter* painter, const PaintContext& context, const QRectF& visible,
+                            std::vector<Background>& out);
 
     void collectFrame(QTextFrame* frame, const QRectF& visible, qreal scale,
                       std::vector<Background>& out) const;
@@ -51,6 +68,8 @@ private:
 
     TextImageHandler* m_imageHandler = nullptr;
     CBubbleShadowCache m_shadows;
+    mutable bool m_layoutPending = false;
+    mutable QBasicTimer m_catchUpTimer;
 };
 
 } // namespace newsReader
