@@ -2,6 +2,7 @@
 
 #include "CCommunicationObjectModel.h"
 #include "CIconControl.h"
+#include "CNewIncidentDialog.h"
 #include "CNewsFetcher.h"
 #include "CPluginItemDelegate.h"
 #include "CPropertyBag.h"
@@ -285,7 +286,13 @@ void CNewsReaderPlugin::onCommunicationDeleted(CIncidentCommunication)
 {}
 
 void CNewsReaderPlugin::onWriteUsLinkActivated()
-{}
+{
+    CNewIncidentDialog dialog(vantrelApp ? vantrelApp->mainWidget() : nullptr);
+    dialog.setWindowFlags(Qt::WindowFlags(kDialogWindowFlags));
+    dialog.setWindowModality(Qt::WindowModality(kDialogModality));
+    connect(&dialog, &CNewIncidentDialog::newIncidentCreated, this, &CNewsReaderPlugin::onNewIncidentCreated);
+    dialog.Execute();
+}
 
 void CNewsReaderPlugin::setCurrentIndex(const QModelIndex& index)
 {
@@ -471,6 +478,12 @@ QModelIndex CNewsReaderPlugin::startItem() const
         first.data(CCommunicationObjectModel::FolderIdRole).toInt() == kNoStartSelectionFolderId)
         return {};
     return m_communicationModel->index(0, 0, first);
+}
+
+void CNewsReaderPlugin::onNewIncidentCreated(const EntityDto::EntityDto& ticket)
+{
+    if (m_newsFetcher)
+        m_newsFetcher->addNewIncident(ticket);
 }
 
 void CNewsReaderPlugin::onProgressTimeout()

@@ -10,6 +10,7 @@
 #include "CFilePreviewManager.h"
 #include "CIncidentCommunication.h"
 #include "CMessageItemsDocument.h"
+#include "EntityDto.h"
 #include "MessageEntry.h"
 #include "TypingViewModel.h"
 
@@ -40,6 +41,10 @@ public:
     static constexpr unsigned kFilterUrgentUnread = 17;
     static constexpr unsigned kFilterUnread = 16;
     static constexpr unsigned kFilterUnreadWithIssues = 80;
+
+    // The new conversation dialog is a dialog window, modal to the host's main window.
+    static constexpr int kDialogWindowFlags = 3;
+    static constexpr int kDialogModality = 1;
 
     // Attention animation modes of the host.
     static constexpr int kAnimationUrgent = -1;
@@ -116,6 +121,7 @@ private:
     bool showNewsSetting() const;
     bool fetcherHasAny(unsigned filter) const;
     void onProgressTimeout();
+    void onNewIncidentCreated(const EntityDto::EntityDto& ticket);
     // Whether the composer holds something to send: text or at least one attached file.
     bool canSendMessage() const;
     // The composer's text as it would be sent; empty while no composer is shown.

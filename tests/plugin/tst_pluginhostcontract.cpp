@@ -8,7 +8,14 @@
 #include "EntityDto.h"
 #include "QtHelpersImages.h"
 
+#include "CNewIncidentDialog.h"
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
 #include <QSignalSpy>
+#include <QTimer>
 
 namespace {
 
@@ -135,14 +142,42 @@ private slots:
         QTRY_VERIFY(!HostControl::requestLog().isEmpty());
     }
 
-    void onlyTheWriteToSupportBroadcastSelectsThePage()
+    void writeToSupportBroadcastOpensTheDialogAndListsTheNewConversation()
     {
+        HostControl::setShowBalloons(false);
         CNewsReaderPlugin plugin;
         HostControl::recordPluginRequests(&plugin);
         vantrelApp->broadcastRequest(BroadcastShowAbout);
         QVERIFY(!plugin.isSelected());
+        QVERIFY(HostControl::events(QStringLiteral("dialogExecuted")).isEmpty());
+
+        // The dialog runs modally: fill it in and press OK from inside its own event loop.
+        bool filledIn = false;
+        QTimer::singleShot(0, this, [&filledIn] {
+            auto* dialog = qobject_cast<CNewIncidentDialog*>(QApplication::activeModalWidget());
+            if (!dialog)
+                return;
+            dialog->findChild<QLineEdit*>(QStringLiteral("subjectEdit"))
+                ->setText(QStringLiteral("Printer offline"));
+            dialog->findChild<QPlainTextEdit*>(QStringLiteral("messageEdit"))
+                ->setPlainText(QStringLiteral("It stopped printing this morning."));
+            dialog->okButton()->click();
+            filledIn = true;
+        });
         vantrelApp->broadcastRequest(BroadcastWriteToSupport);
+
+        QVERIFY(filledIn);
         QVERIFY(plugin.isSelected());
+        const QList<HostControl::Event> dialogs = HostControl::events(QStringLiteral("dialogExecuted"));
+        QCOMPARE(dialogs.size(), 1);
+        QCOMPARE(dialogs.first().details.value(QStringLiteral("class")).toString(),
+                 QStringLiteral("CNewIncidentDialog"));
+        // The created conversation reaches the list through the news fetcher.
+        auto model = plugin.getPluginModel();
+        QTRY_VERIFY(model
+                        ->match(model->index(0, 0), Qt::DisplayRole, QStringLiteral("Printer offline"), 1,
+                                Qt::MatchStartsWith | Qt::MatchRecursive)
+                        .size() == 1);
     }
 
     void recordTypesAreKnownUnderTheirNames_data()
