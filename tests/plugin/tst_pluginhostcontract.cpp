@@ -3,6 +3,7 @@
 
 #include "CIncidentAttachment.h"
 #include "CIncidentCommunication.h"
+#include "CNewsFetcher.h"
 #include "CNewsReaderPlugin.h"
 #include "CReadNewsEntryRequest.h"
 #include "EntityDto.h"
@@ -11,6 +12,7 @@
 #include "CNewIncidentDialog.h"
 
 #include <QApplication>
+#include <QJsonObject>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -46,6 +48,10 @@ private slots:
         HostControl::removeSetting(QStringLiteral("UIShowNews"));
         HostControl::clearEvents();
         HostControl::clearRequestLog();
+        // The fetcher learns of the emptied server through the event loop, like of any other change.
+        const auto everything = CNewsFetcher::FilterImportant | CNewsFetcher::FilterOffers |
+                                CNewsFetcher::FilterIssues | CNewsFetcher::FilterIncludeHidden;
+        QTRY_VERIFY(vantrelApp->getNewsFetcher()->getNewsList(everything).empty());
     }
 
     void visibilityFollowsTheFeatureSwitches_data()
@@ -108,6 +114,27 @@ private slots:
         CNewsReaderPlugin withoutFetcher;
         QCOMPARE(withoutFetcher.getTooltip(), withoutFetcher.CAbstractKolPlugin::getTooltip());
         HostControl::setNewsFetcherAvailable(true);
+    }
+
+    void tooltipNamesTheLastUrgentEntryElseTheLastUnreadOne()
+    {
+        const auto news = [](const char* id, const char* kind, const char* title, const char* published,
+                             bool read) {
+            return QJsonObject{
+                {"id", id}, {"kind", kind}, {"title", title}, {"published", published}, {"read", read}};
+        };
+        HostControl::addNewsEntry(news("offer", "offer", "Unread offer", "-1d", false));
+        HostControl::addNewsEntry(news("old-offer", "offer", "Older unread offer", "-3d", false));
+        CNewsReaderPlugin plugin;
+        // No urgent news: the last of the unread list (newest first) is the tooltip.
+        QTRY_COMPARE(plugin.getTooltip(), QStringLiteral("Older unread offer"));
+
+        HostControl::addNewsEntry(news("urgent-new", "important", "Newer urgent", "-1h", false));
+        HostControl::addNewsEntry(news("urgent-old", "important", "Older urgent", "-2h", false));
+        HostControl::addNewsEntry(news("urgent-read", "important", "Read urgent", "-9d", true));
+        QTRY_COMPARE(plugin.getTooltip(), QStringLiteral("Older urgent"));
+        QTRY_VERIFY(sameIcon(plugin.getPluginIcon(),
+                             qtHelpers::images::icon(QStringLiteral("ico-plugin-urgent-news"))));
     }
 
     void selectingThePageStopsTheAttentionAnimation()
