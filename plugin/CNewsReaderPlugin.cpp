@@ -1,6 +1,8 @@
 #include "CNewsReaderPlugin.h"
 
+#include "CAttachmentItemDelegate.h"
 #include "CCommunicationObjectModel.h"
+#include "CControlLookup.h"
 #include "CIconControl.h"
 #include "CNewIncidentDialog.h"
 #include "CNewsFetcher.h"
@@ -9,17 +11,36 @@
 #include "CReadNewsEntryRequest.h"
 #include "CSettingsLoader.h"
 #include "CVantrelApp.h"
+#include "CVantrelWebPage.h"
+#include "ChatServiceApi.h"
 #include "ConfigurableObjects.h"
 #include "HostColors.h"
 #include "HostWindows.h"
 #include "MetaTypes.h"
 #include "QtHelpersImages.h"
+#include "RichTextInputWrapper.h"
 
+#include <QAbstractTextDocumentLayout>
+#include <QClipboard>
 #include <QGraphicsOpacityEffect>
+#include <QGuiApplication>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QListView>
 #include <QMetaMethod>
+#include <QProgressBar>
 #include <QStackedWidget>
+#include <QStyle>
+#include <QTextBlock>
+#include <QTextBrowser>
+#include <QTextEdit>
+#include <QTextLayout>
+#include <QToolButton>
 #include <QVBoxLayout>
+#include <QWebEngineView>
+
+#include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -37,6 +58,52 @@ constexpr int kEmptyListMargin = 24;
 constexpr int kEmptyListIconSize = 96;
 constexpr qreal kEmptyListIconOpacity = 0.6;
 constexpr int kEmptyListTextPointSize = 11;
+
+// Pages every stack of the main screen starts on.
+constexpr int kFirstPage = 0;
+
+// Fonts of the main screen: point sizes and weights.
+constexpr int kTypingPointSize = 9;
+constexpr int kThreadPointSize = 10;
+constexpr int kHeadlinePointSize = 14;
+constexpr int kPlaceholderPointSize = 12;
+constexpr int kTitlePointSize = 18;
+constexpr int kNormalWeight = 400;
+constexpr int kDemiBoldWeight = 600;
+constexpr int kBoldWeight = 700;
+
+// Host colours of the main screen.
+constexpr int kTitleColor = clrHeadingText;
+constexpr int kPlaceholderColor = clrSubheadingText;
+constexpr int kPageBackgroundColor = clrThreadBackground;
+
+// The composer never shrinks below this many placeholder lines and grows with its text up to about the
+// other number of lines before it scrolls.
+const QString kComposerPlaceholder = QStringLiteral("Write a message");
+constexpr int kComposerFloorLines = 3;
+constexpr int kComposerMaximumLines = 10;
+
+// Read by the host style: a progress bar with this property set stands still.
+const char* const kStopAnimationProperty = "stopProgressBarAnimation";
+
+// Sets a control's font to the point size and weight, upright, and optionally a host colour into `role`.
+void styleControl(QWidget* control, int pointSize, int weight, QPalette::ColorRole role = QPalette::NoRole,
+                  int color = -1)
+{
+    QFont font = control->font();
+    font.setPointSize(pointSize);
+    font.setWeight(QFont::Weight(weight));
+    font.setItalic(false);
+    control->setFont(font);
+    if (role == QPalette::NoRole)
+        return;
+    QPalette palette = control->palette();
+    palette.setColor(role, CVantrelApp::GetColor(color));
+    // Labels draw their text in their foreground role, so the colour goes there as well.
+    if (control->foregroundRole() != role)
+        palette.setColor(control->foregroundRole(), CVantrelApp::GetColor(color));
+    control->setPalette(palette);
+}
 
 } // namespace
 
@@ -109,6 +176,224 @@ QString CNewsReaderPlugin::getUiFormName() const
 {
     return kMainFormName;
 }
+
+void CNewsReaderPlugin::setupView()
+{
+    m_stackedWidget = CControlLookup::find<QStackedWidget>(this, QStringLiteral("stackedWidget"));
+    m_newsStack = CControlLookup::find<QStackedWidget>(this, QStringLiteral("newsStack"));
+
+    auto* listBackground = CControlLookup::find<QWidget>(this, QStringLiteral("messageListView"));
+    listBackground->setAutoFillBackground(true);
+    QPalette backgroundPalette = listBackground->palette();
+    backgroundPalette.setColor(QPalette::Window, CVantrelApp::GetColor(kPageBackgroundColor));
+    listBackground->setPalette(backgroundPalette);
+
+    m_typingLabel = CControlLookup::find<QLabel>(this, QStringLiteral("typingLabel"));
+    styleControl(m_typingLabel, kTypingPointSize, kNormalWeight);
+
+    m_issueMessages = CControlLookup::find<QTextBrowser>(this, QStringLiteral("issueMessages"));
+    m_issueMessages->setDocument(&m_threadDocument);
+    QFont threadFont = m_issueMessages->font();
+    threadFont.setPointSize(kThreadPointSize);
+    m_threadDocument.setDefaultFont(threadFont);
+    // Every link click must reach the plugin: attachment links are downloads, not places to go.
+    m_issueMessages->setOpenExternalLinks(false);
+    m_issueMessages->setOpenLinks(false);
+    QWidget* threadViewport = m_issueMessages->viewport();
+    QPalette threadPalette = threadViewport->palette();
+    threadPalette.setColor(QPalette::Base, CVantrelApp::GetColor(kPageBackgroundColor));
+    threadViewport->setPalette(threadPalette);
+    connect(m_issueMessages, &QTextBrowser::anchorClicked, this, &CNewsReaderPlugin::onThreadAnchorClicked);
+
+    createNewsView(m_newsStack);
+
+    styleControl(CControlLookup::find<QLabel>(this, QStringLiteral("noNewsLabel")), kHeadlinePointSize,
+                 kDemiBoldWeight, QPalette::Text, kPlaceholderColor);
+    styleControl(CControlLookup::find<QLabel>(this, QStringLiteral("pendingMessageLabel")),
+                 kPlaceholderPointSize, kNormalWeight, QPalette::Text, kPlaceholderColor);
+    auto* writeUsLabel = CControlLookup::find<QLabel>(this, QStringLiteral("writeUsLabel"));
+    styleControl(writeUsLabel, kPlaceholderPointSize, kNormalWeight);
+    // Hosts on Zendesk take support requests elsewhere, so the page offers no way to start one.
+    if (ConfigurableObjects::isAllowed(QStringLiteral("allowUseIncidents")) &&
+        !ConfigurableObjects::isAllowed(QStringLiteral("useZendeskTickets")))
+        connect(writeUsLabel, &QLabel::linkActivated, this, &CNewsReaderPlugin::onWriteUsLinkActivated);
+    else
+        writeUsLabel->setText(QString());
+
+    styleControl(CControlLookup::find<QLabel>(this, QStringLiteral("issueTitle")), kTitlePointSize,
+                 kBoldWeight, QPalette::Text, kTitleColor);
+    styleControl(CControlLookup::find<QLabel>(this, QStringLiteral("issueState")), kTitlePointSize,
+                 kBoldWeight, QPalette::Text, kTitleColor);
+    styleControl(CControlLookup::find<QToolButton>(this, QStringLiteral("issueStateButton")), kTitlePointSize,
+                 kBoldWeight, QPalette::ButtonText, kTitleColor);
+
+    setupComposer();
+
+    m_messagesProgress = CControlLookup::find<QProgressBar>(this, QStringLiteral("messagesProgress"));
+    m_messagesProgress->setProperty(kStopAnimationProperty, true);
+    // The style reads the property when it polishes the bar.
+    QStyle* progressStyle = m_messagesProgress->style();
+    progressStyle->unpolish(m_messagesProgress);
+    progressStyle->polish(m_messagesProgress);
+    m_messagesProgress->update();
+
+    m_inputAreaFrame = CControlLookup::find<QWidget>(this, QStringLiteral("inputAreaFrame"));
+    m_stackedWidget->setCurrentIndex(kFirstPage);
+    m_inputAreaStack = CControlLookup::find<QStackedWidget>(this, QStringLiteral("inputAreaStack"));
+    m_inputAreaStack->setCurrentIndex(kFirstPage);
+
+    m_viewSetUp = true;
+}
+
+void CNewsReaderPlugin::createNewsView(QStackedWidget* newsStack)
+{
+    if (!vantrelApp || !vantrelApp->getCanUseWebEngineWidgets() || IsWindowsPE())
+        return;
+    auto* view = new QWebEngineView(newsStack);
+    connect(view, SIGNAL(loadFinished(bool)), this, SLOT(onSetWebPageContentFinished(bool)));
+    view->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+    view->setContextMenuPolicy(Qt::NoContextMenu);
+    auto* page = new CVantrelWebPage(view);
+    // News entries link to offers and articles: those belong in the user's browser, not in the page.
+    page->setAlwaysOpenLinkInExternalBrowser(true);
+    view->setPage(page);
+    newsStack->addWidget(view);
+    m_newsView = view;
+}
+
+void CNewsReaderPlugin::setupComposer()
+{
+    auto* sendButton = CControlLookup::find<QToolButton>(this, QStringLiteral("sendButton"));
+    sendButton->setIcon(qtHelpers::images::icon(QStringLiteral("send-message")));
+    sendButton->setEnabled(false);
+    connect(sendButton, &QToolButton::clicked, this, &CNewsReaderPlugin::onSendMessageClicked);
+    connect(this, &CNewsReaderPlugin::notifyCanSendMessage, sendButton, &QWidget::setEnabled);
+
+    auto* addAttachment = CControlLookup::find<QToolButton>(this, QStringLiteral("addAttachment"));
+    addAttachment->setIcon(qtHelpers::images::icon(QStringLiteral("attachment")));
+    connect(addAttachment, &QToolButton::clicked, this, &CNewsReaderPlugin::onAddAttachmentClicked);
+    connect(this, &CNewsReaderPlugin::notifyCanComposeNewMessage, addAttachment, &QWidget::setEnabled);
+
+    m_attachmentsList = CControlLookup::find<QListView>(this, QStringLiteral("attachmentsList"));
+    QListView* list = m_attachmentsList;
+    list->setModel(&m_attachmentsModel);
+    auto* delegate = new CAttachmentItemDelegate(list);
+    list->setItemDelegate(delegate);
+    connect(delegate, &CAttachmentItemDelegate::removeAttachmentRequest, this,
+            [this](const QModelIndex& index) { m_attachmentsModel.remove(index); });
+    // Each row's remove button is its persistent editor.
+    connect(&m_attachmentsModel, &QAbstractItemModel::rowsInserted, list,
+            [this, list](const QModelIndex& parent, int first, int last) {
+                for (int row = first; row <= last; ++row)
+                    list->openPersistentEditor(m_attachmentsModel.index(row, 0, parent));
+            });
+    m_attachmentsModel.setView(list);
+    list->setMaximumHeight(m_attachmentsModel.preferredViewHeight());
+    list->installEventFilter(this);
+    list->setVisible(false);
+    connect(&m_attachmentsModel, &CAttachmentsModel::contentChanged, list, &QWidget::setVisible);
+
+    m_messageEditor = CControlLookup::find<QTextEdit>(this, QStringLiteral("messageEditor"));
+    QTextEdit* editor = m_messageEditor;
+    auto* toolbar = CControlLookup::find<QWidget>(this, QStringLiteral("richTextToolbar"));
+    // Parented to the editor, so that it goes with the form.
+    m_richTextInput = new RichTextInputWrapper(editor, toolbar, editor);
+    editor->setAcceptRichText(true);
+    editor->setMaximumHeight(int(std::ceil(composerHeightFloor())));
+
+    QString counterText;
+    ChatServiceApi::checkCommunicationLength(QString(), counterText);
+    CControlLookup::find<QLabel>(this, QStringLiteral("charsTypedLabel"))->setText(counterText);
+
+    editor->installEventFilter(this);
+    connect(editor, &QTextEdit::textChanged, this, &CNewsReaderPlugin::onComposerChanged);
+    connect(editor->document()->documentLayout(), &QAbstractTextDocumentLayout::documentSizeChanged, this,
+            &CNewsReaderPlugin::updateComposerHeight);
+}
+
+bool CNewsReaderPlugin::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched && watched == m_messageEditor && event->type() == QEvent::KeyPress) {
+        if (handleComposerKey(static_cast<QKeyEvent*>(event)))
+            return true;
+    } else if (watched && watched == m_attachmentsList && event->type() == QEvent::Resize) {
+        m_attachmentsList->setMaximumHeight(m_attachmentsModel.preferredViewHeight());
+    }
+    return CAbstractKolPlugin::eventFilter(watched, event);
+}
+
+bool CNewsReaderPlugin::handleComposerKey(const QKeyEvent* event)
+{
+    const int key = event->key();
+    const Qt::KeyboardModifiers modifiers = event->modifiers();
+    if ((key == Qt::Key_Return || key == Qt::Key_Enter) && modifiers.testFlag(Qt::ControlModifier)) {
+        onSendMessageClicked();
+        return true;
+    }
+    const bool paste = (key == Qt::Key_V && modifiers.testFlag(Qt::ControlModifier)) ||
+                       (key == Qt::Key_Insert && modifiers.testFlag(Qt::ShiftModifier));
+    if (!paste)
+        return false;
+    // A picture on the clipboard becomes an attachment; text is left to the editor's own paste.
+    const QPixmap picture = QGuiApplication::clipboard()->pixmap();
+    if (picture.isNull())
+        return false;
+    m_attachmentsModel.addScreenshot(picture);
+    return true;
+}
+
+void CNewsReaderPlugin::onComposerChanged()
+{
+    const QString text = messageText();
+    emit notifyCanSendMessage(canSendMessage());
+    if (!m_sending && m_currentIndex.isValid())
+        m_communicationModel->setDraftText(m_currentIndex, text);
+
+    QString counterText;
+    ChatServiceApi::checkCommunicationLength(text, counterText);
+    // The counter is not kept: it is only ever written here and in setupView.
+    QWidget* view = getViewWidget();
+    if (auto* counter = view ? view->findChild<QLabel*>(QStringLiteral("charsTypedLabel")) : nullptr)
+        counter->setText(counterText);
+}
+
+qreal CNewsReaderPlugin::composerHeightFloor() const
+{
+    QTextDocument placeholder;
+    if (m_messageEditor)
+        placeholder.setDefaultFont(m_messageEditor->font());
+    placeholder.setPlainText(kComposerPlaceholder);
+    return kComposerFloorLines * placeholder.size().height();
+}
+
+void CNewsReaderPlugin::updateComposerHeight()
+{
+    if (!m_messageEditor)
+        return;
+    const QTextDocument* document = m_messageEditor->document();
+    const qreal floor = composerHeightFloor();
+    const int lineLimit = std::max(1, std::min(kComposerMaximumLines, document->lineCount()));
+
+    int lines = 0;
+    qreal height = 0;
+    for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
+        if (lines > lineLimit)
+            break;
+        const QTextLayout* layout = block.layout();
+        if (!layout)
+            continue;
+        lines += layout->lineCount();
+        for (int i = 0; i < layout->lineCount(); ++i) {
+            const QTextLine line = layout->lineAt(i);
+            height += line.ascent() + line.descent() + line.leading();
+        }
+    }
+    height = qFuzzyIsNull(height) ? floor : height + 2 * document->rootFrame()->frameFormat().margin();
+    m_messageEditor->setMaximumHeight(int(std::ceil(std::max(floor, height))));
+}
+
+void CNewsReaderPlugin::onThreadAnchorClicked(const QUrl&)
+{}
 
 QString CNewsReaderPlugin::getCaption() const
 {
@@ -500,5 +785,7 @@ bool CNewsReaderPlugin::canSendMessage() const
 
 QString CNewsReaderPlugin::messageText() const
 {
-    return QString();
+    if (!m_viewSetUp || !m_messageEditor)
+        return QString();
+    return RichTextInputWrapper::messageMarkdown(m_messageEditor->document());
 }

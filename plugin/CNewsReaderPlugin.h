@@ -18,13 +18,21 @@
 #include <QPersistentModelIndex>
 #include <QPointer>
 #include <QTimer>
+#include <QUrl>
 
 #include <memory>
 
 class CCommunicationObjectModel;
 class CNewsFetcher;
+class QKeyEvent;
 class QLabel;
+class QListView;
+class QProgressBar;
 class QStackedWidget;
+class QTextBrowser;
+class QTextEdit;
+class QWebEngineView;
+class RichTextInputWrapper;
 
 class CNewsReaderPlugin : public CAbstractKolPlugin
 {
@@ -62,7 +70,10 @@ public:
     ~CNewsReaderPlugin() override;
 
     // View-model side.
+    bool eventFilter(QObject* watched, QEvent* event) override;
     QString getUiFormName() const override;
+    // Finds the loaded form's controls, styles and wires them; a control the form lacks is fatal.
+    void setupView() override;
     QString getCaption() const override;
     QIcon getPluginIcon() const override;
     bool hasPluginView() const override;
@@ -132,6 +143,20 @@ private:
     QModelIndex findEntry(const QString& id) const;
     // The item the list starts with when nothing is selected yet.
     QModelIndex startItem() const;
+    // Part of setupView: the news web view, where the platform allows one.
+    void createNewsView(QStackedWidget* newsStack);
+    // Part of setupView: the composer, its attachment list and buttons.
+    void setupComposer();
+    // Links in the thread document (attachments); the document never navigates by itself.
+    void onThreadAnchorClicked(const QUrl& url);
+    // The editor's text changed: send state, draft and length counter follow.
+    void onComposerChanged();
+    // Ctrl+Return sends, pasting a picture attaches it; true when the key was consumed.
+    bool handleComposerKey(const QKeyEvent* event);
+    // Lets the composer grow with its text for about ten lines, never below three placeholder lines.
+    void updateComposerHeight();
+    // Three lines of the placeholder text in the editor's font.
+    qreal composerHeightFloor() const;
 
     // Members in the order of their creation; they are released in reverse.
     CAttachmentsModel m_attachmentsModel;
@@ -149,9 +174,19 @@ private:
     QPointer<QStackedWidget> m_stackedWidget;
     QPointer<QStackedWidget> m_inputAreaStack;
     QPointer<QLabel> m_typingLabel;
+    QPointer<QStackedWidget> m_newsStack;
+    QPointer<QTextBrowser> m_issueMessages;
+    QPointer<QListView> m_attachmentsList;
+    QPointer<QTextEdit> m_messageEditor;
+    QPointer<QProgressBar> m_messagesProgress;
+    QPointer<QWidget> m_inputAreaFrame;
+    QPointer<QWebEngineView> m_newsView;
+    QPointer<RichTextInputWrapper> m_richTextInput;
     QPointer<QWidget> m_emptyListWidget;
     int m_pendingRequestFlags = 0;
     bool m_viewSetUp = false;
+    // Raised while the composer is cleared after a send, so that the clearing is not saved as a draft.
+    bool m_sending = false;
     // Raised while the plugin itself expands a folder, so that the folder's own page is not shown.
     bool m_expanding = false;
 };

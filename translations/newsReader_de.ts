@@ -135,5 +135,13 @@
         <source>No communications received yet</source>
         <translation>Noch keine Mitteilungen erhalten</translation>
     </message>
+    <message>
+        <source>No view loaded for model %1</source>
+        <translation>Keine Ansicht für das Modell %1 geladen</translation>
+    </message>
+    <message>
+        <source>%1. No control found: %2</source>
+        <translation>%1. Kein Steuerelement gefunden: %2</translation>
+    </message>
 </context>
 </TS>
