@@ -116,6 +116,8 @@ int main(int argc, char** argv)
     if (!loadScenario(options))
         return kExitBadInput;
     HostControl::setSignedIn(!options.signedOut);
+    // This host runs its own support conversations (not on Zendesk), so pages offer the write-us link.
+    HostControl::setAllowed(QStringLiteral("useZendeskTickets"), false);
 
     const QString locale = options.locale.isEmpty() ? QLocale().name() : options.locale;
     if (!options.locale.isEmpty())
