@@ -14,10 +14,12 @@
 #include "CVantrelWebPage.h"
 #include "ChatServiceApi.h"
 #include "ConfigurableObjects.h"
+#include "EntitySchemaDto.h"
 #include "HostColors.h"
 #include "HostWindows.h"
 #include "MetaTypes.h"
 #include "QtHelpersImages.h"
+#include "QtHelpersInvoke.h"
 #include "RichTextInputWrapper.h"
 
 #include <QAbstractTextDocumentLayout>
@@ -29,6 +31,7 @@
 #include <QListView>
 #include <QMetaMethod>
 #include <QProgressBar>
+#include <QScrollBar>
 #include <QStackedWidget>
 #include <QStyle>
 #include <QTextBlock>
@@ -37,6 +40,7 @@
 #include <QTextLayout>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <QWebEnginePage>
 #include <QWebEngineView>
 
 #include <algorithm>
@@ -50,8 +54,29 @@ const QString kShowNewsSetting = QStringLiteral("UIShowNews");
 
 // The page shown when the progress timer expires.
 constexpr int kInputAreaWaitPage = 1;
-// The right-hand page shown for a folder.
+// Pages of "stackedWidget": the list is empty, a folder, a conversation without a thread yet, the selected
+// entry or conversation.
+constexpr int kEmptyListPage = 0;
 constexpr int kFolderPage = 1;
+constexpr int kNoThreadPage = 2;
+constexpr int kEntryPage = 3;
+// Pages of "newsStack": the conversation's thread, the news web view.
+constexpr int kThreadPage = 0;
+constexpr int kNewsViewPage = 1;
+// Pages of "noThreadStack": a conversation still waiting for its thread, and one that has waited a while.
+constexpr int kThreadOverduePage = 0;
+constexpr int kThreadPendingPage = 1;
+// The server gives a new conversation its thread within this time; until then the page says it is coming.
+constexpr qint64 kThreadPendingSeconds = 60;
+
+// The one toast about urgent news: the entry's title in bold over its summary.
+const QString kToastText = QStringLiteral("<b>%1</b><br/>%2");
+constexpr int kToastTimeout = -1;
+
+// Where a conversation's state lives and where its display name is found.
+const QString kTicketEntityType = QStringLiteral("SM_MINICRM_TICKET");
+const QString kTicketStateAttribute = QStringLiteral("STATE");
+const QString kDisplayNameProperty = QStringLiteral("DISPLAY_NAME");
 
 // The widget the host shows instead of an empty list.
 constexpr int kEmptyListMargin = 24;
@@ -105,6 +130,13 @@ void styleControl(QWidget* control, int pointSize, int weight, QPalette::ColorRo
     control->setPalette(palette);
 }
 
+// A control of the loaded view that the plugin does not keep; null without a view or without the control.
+template<typename T>
+T* viewControl(QWidget* view, const char* name)
+{
+    return view ? view->findChild<T*>(QString::fromLatin1(name)) : nullptr;
+}
+
 } // namespace
 
 CNewsReaderPlugin::CNewsReaderPlugin()
@@ -131,6 +163,8 @@ CNewsReaderPlugin::CNewsReaderPlugin()
     }
     connect(m_communicationModel.get(), &CCommunicationObjectModel::modelPopulated, this,
             &CNewsReaderPlugin::onCommunicationItemsModelPopulated);
+    connect(m_communicationModel.get(), &QAbstractItemModel::dataChanged, this,
+            &CNewsReaderPlugin::onCommunicationDataChanged);
     const auto announceCanSend = [this] { emit notifyCanSendMessage(canSendMessage()); };
     connect(&m_attachmentsModel, &QAbstractItemModel::rowsInserted, this, announceCanSend);
     connect(&m_attachmentsModel, &QAbstractItemModel::rowsRemoved, this, announceCanSend);
@@ -581,8 +615,17 @@ void CNewsReaderPlugin::onWriteUsLinkActivated()
 
 void CNewsReaderPlugin::setCurrentIndex(const QModelIndex& index)
 {
+    const bool folder = index.data(CCommunicationObjectModel::IsFolderRole).toBool();
+    if (index.isValid() && !folder) {
+        markRead(index);
+        showItem(index);
+    } else if (index.isValid() && m_newsView) {
+        // A folder has no page of its own in the web view: the last entry must not linger there.
+        m_newsView->page()->setUrl(QUrl());
+    }
     if (m_currentIndex != index)
         m_currentIndex = index;
+    chooseRightHandPageWhenIdle();
 }
 
 void CNewsReaderPlugin::onRequestApplicationExit()
@@ -612,10 +655,22 @@ void CNewsReaderPlugin::onCommunicationItemsModelPopulated()
     }
     if (!m_currentIndex.isValid() && m_viewSetUp)
         selectItem(startItem());
+    chooseRightHandPageWhenIdle();
+    showUrgentToast();
 }
 
-void CNewsReaderPlugin::onEntryReadStatusChanged(Messenger::MessageEntryPtr)
+void CNewsReaderPlugin::onEntryReadStatusChanged(Messenger::MessageEntryPtr entry)
 {
+    const QModelIndex index = entry ? findEntry(entry->id) : QModelIndex();
+    if (index.isValid()) {
+        emit listItemExpandRequest(index.parent());
+        // The user is looking at it: whatever the fetcher says, the shown entry stays read.
+        if (index == m_currentIndex && isSelected()) {
+            markRead(index);
+            return;
+        }
+        m_communicationModel->refreshItem(index);
+    }
     refreshIcon(!isSelected());
 }
 
@@ -631,6 +686,8 @@ void CNewsReaderPlugin::onListItemCollapsed(const QModelIndex& index)
 
 void CNewsReaderPlugin::onSyncViewRequest()
 {
+    m_communicationModel->populate();
+    chooseRightHandPageWhenIdle();
     if (!fetcherHasAny(kFilterUrgentUnread) && !showNewsSetting())
         emit stopPluginAnimation(this);
     refreshIcon(false);
@@ -763,6 +820,121 @@ QModelIndex CNewsReaderPlugin::startItem() const
         first.data(CCommunicationObjectModel::FolderIdRole).toInt() == kNoStartSelectionFolderId)
         return {};
     return m_communicationModel->index(0, 0, first);
+}
+
+void CNewsReaderPlugin::markRead(const QModelIndex& index)
+{
+    m_communicationModel->setData(index, true, CCommunicationObjectModel::ReadRole);
+    refreshIcon(false);
+}
+
+void CNewsReaderPlugin::showItem(const QModelIndex& index)
+{
+    const bool conversation = index.data(CCommunicationObjectModel::ConversationRole).toBool();
+    if (!conversation && m_newsView)
+        m_newsView->page()->setHtml(index.data(CCommunicationObjectModel::ExtraTextRole).toString(), QUrl());
+    if (conversation)
+        showConversation(index);
+    if (m_newsStack)
+        m_newsStack->setCurrentIndex(conversation ? kThreadPage : kNewsViewPage);
+}
+
+void CNewsReaderPlugin::showConversation(const QModelIndex& index)
+{
+    if (!m_viewSetUp || !index.data(CCommunicationObjectModel::ConversationRole).toBool())
+        return;
+    QWidget* view = getViewWidget();
+    const QString title = index.data(CCommunicationObjectModel::TitleRole).toString();
+    if (auto* titleLabel = viewControl<QLabel>(view, "issueTitle")) {
+        titleLabel->setText(title);
+        titleLabel->setToolTip(title);
+    }
+
+    // The list carries the whole ticket; its state key is named by the server's schema.
+    const auto ticket = index.data(CCommunicationObjectModel::EntityRole).value<EntityDto::EntityDto>();
+    const QString stateKey = ticket.attributeValue(kTicketStateAttribute).toString();
+    QString stateText = stateKey;
+    if (vantrelApp) {
+        const EntitySchemaDto::EntitySchemaDto schema = vantrelApp->getLowcodeSchema();
+        if (const EntitySchemaDto::EnumValueDto* state = schema.enumValue(kTicketEntityType, stateKey))
+            stateText = state->properties.value(kDisplayNameProperty).toString();
+    }
+    if (auto* stateLabel = viewControl<QLabel>(view, "issueState"))
+        stateLabel->setText(stateText);
+    if (auto* stateButton = viewControl<QToolButton>(view, "issueStateButton"))
+        stateButton->setText(stateText);
+    if (auto* dateLabel = viewControl<QLabel>(view, "issueCreateDate"))
+        dateLabel->setText(index.data(CCommunicationObjectModel::DateTextRole).toString());
+}
+
+void CNewsReaderPlugin::onCommunicationDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight)
+{
+    if (!m_currentIndex.isValid() || m_currentIndex.parent() != topLeft.parent() ||
+        m_currentIndex.row() < topLeft.row() || m_currentIndex.row() > bottomRight.row())
+        return;
+    if (m_currentIndex.data(CCommunicationObjectModel::IsFolderRole).toBool())
+        return;
+    QScrollBar* scrollBar = m_issueMessages ? m_issueMessages->verticalScrollBar() : nullptr;
+    const int scrollPosition = scrollBar ? scrollBar->value() : 0;
+    showItem(m_currentIndex);
+    if (scrollBar)
+        scrollBar->setValue(scrollPosition);
+}
+
+void CNewsReaderPlugin::chooseRightHandPageWhenIdle()
+{
+    // The flag is only raised while the plugin expands a folder, so it is read now, not when idle.
+    const bool expanding = m_expanding;
+    qtHelpers::invokeOnIdle(this, [this, expanding] { chooseRightHandPage(expanding); });
+}
+
+void CNewsReaderPlugin::chooseRightHandPage(bool expanding)
+{
+    int page = kEmptyListPage;
+    if (m_communicationModel->rowCount() == 0) {
+        // The host owns the widget once shown; while it still has it, the same one is asked for again.
+        if (!m_emptyListWidget)
+            m_emptyListWidget = createEmptyListWidget();
+        emit showEmptyListWidgetRequest(m_emptyListWidget);
+    } else if (!m_currentIndex.isValid()) {
+        return;
+    } else if (m_currentIndex.data(CCommunicationObjectModel::IsFolderRole).toBool()) {
+        // The plugin selects the folder's first entry right after expanding it; the folder page would flash.
+        if (expanding)
+            return;
+        page = kFolderPage;
+    } else if (!m_currentIndex.data(CCommunicationObjectModel::ConversationRole).toBool() ||
+               m_currentIndex.data(CCommunicationObjectModel::HasDefaultThreadRole).toBool()) {
+        page = kEntryPage;
+    } else {
+        page = kNoThreadPage;
+        const QDateTime created = m_currentIndex.data(CCommunicationObjectModel::FirstTimeRole).toDateTime();
+        const bool pending =
+            created.isValid() && created.secsTo(QDateTime::currentDateTimeUtc()) < kThreadPendingSeconds;
+        if (auto* noThreadStack = viewControl<QStackedWidget>(getViewWidget(), "noThreadStack"))
+            noThreadStack->setCurrentIndex(pending ? kThreadPendingPage : kThreadOverduePage);
+    }
+    if (m_stackedWidget)
+        m_stackedWidget->setCurrentIndex(page);
+    if (page != kEmptyListPage && page != kNoThreadPage)
+        emit hideEmptyListWidgetRequest();
+}
+
+void CNewsReaderPlugin::showUrgentToast()
+{
+    // The first population runs inside the constructor, before the host listens: a toast then would be lost.
+    if (m_toastShown || !m_newsFetcher ||
+        !isSignalConnected(QMetaMethod::fromSignal(&CAbstractKolPlugin::pluginToastRequest)))
+        return;
+    const auto urgent =
+        m_newsFetcher->getNewsList(CNewsFetcher::NewsListFilter::fromInt(kFilterUrgentUnread));
+    if (urgent.empty() || !urgent.back())
+        return;
+    // The summary, not the entry's page: the toast is plain rich text of a few words.
+    const Messenger::MessageEntryPtr& entry = urgent.back();
+    emit pluginToastRequest(this, kToastText.arg(entry->title, entry->subtitle), SLOT(onToastClicked()),
+                            QMessageBox::NoIcon, kToastTimeout);
+    m_toastShown = true;
 }
 
 void CNewsReaderPlugin::onNewIncidentCreated(const EntityDto::EntityDto& ticket)

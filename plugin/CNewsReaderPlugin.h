@@ -143,6 +143,20 @@ private:
     QModelIndex findEntry(const QString& id) const;
     // The item the list starts with when nothing is selected yet.
     QModelIndex startItem() const;
+    // Sets the entry's read mark (the model tells the news fetcher) and refreshes the icon quietly.
+    void markRead(const QModelIndex& index);
+    // Shows a news entry in the web page or a conversation in the thread; `index` is not a folder.
+    void showItem(const QModelIndex& index);
+    // The conversation's header; loading its thread is not done here.
+    void showConversation(const QModelIndex& index);
+    // Shows the current item again after the model changed it, keeping the thread where the user scrolled.
+    void onCommunicationDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight);
+    // Chooses the right-hand page once the event loop is idle, when the selection has settled.
+    void chooseRightHandPageWhenIdle();
+    // The right-hand page for the current item; `expanding` keeps a folder's own page from showing.
+    void chooseRightHandPage(bool expanding);
+    // Asks the host for one toast about the newest urgent entry, once per plugin lifetime.
+    void showUrgentToast();
     // Part of setupView: the news web view, where the platform allows one.
     void createNewsView(QStackedWidget* newsStack);
     // Part of setupView: the composer, its attachment list and buttons.
@@ -189,4 +203,6 @@ private:
     bool m_sending = false;
     // Raised while the plugin itself expands a folder, so that the folder's own page is not shown.
     bool m_expanding = false;
+    // Raised by the first toast and never cleared: the user hears about urgent news once per run.
+    bool m_toastShown = false;
 };
