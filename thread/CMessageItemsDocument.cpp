@@ -717,7 +717,13 @@ QTextBlock CMessageItemsDocument::findBlockInFrame(QTextFrame* frame, const Bloc
         }
         return {};
     }
-    for (auto it = frame->begin(); !it.atEnd(); ++it) {
+    return findBlockFrom(frame->begin(), predicate);
+}
+
+QTextBlock CMessageItemsDocument::findBlockFrom(QTextFrame::iterator it,
+                                                const BlockPredicate& predicate) const
+{
+    for (; !it.atEnd(); ++it) {
         if (QTextFrame* child = it.currentFrame()) {
             const QTextBlock found = findBlockInFrame(child, predicate);
             if (found.isValid())
@@ -735,16 +741,7 @@ QTextBlock CMessageItemsDocument::findBlock(QTextTable* table, int column,
     if (!table || column < 0 || column >= table->columns())
         return {};
     const QTextTableCell cell = table->cellAt(0, column);
-    for (auto it = cell.begin(); !it.atEnd(); ++it) {
-        if (QTextFrame* child = it.currentFrame()) {
-            const QTextBlock found = findBlockInFrame(child, predicate);
-            if (found.isValid())
-                return found;
-        } else if (predicate(it.currentBlock())) {
-            return it.currentBlock();
-        }
-    }
-    return {};
+    return findBlockFrom(cell.begin(), predicate);
 }
 
 QTextBlock CMessageItemsDocument::findInDocument(const BlockPredicate& predicate) const

@@ -91,6 +91,8 @@ private:
 
     QTextBlock findBlock(QTextTable* table, int column, const BlockPredicate& predicate) const;
     QTextBlock findBlockInFrame(QTextFrame* frame, const BlockPredicate& predicate) const;
+    // The first matching block from `it` to the end of its frame, searching nested frames on the way.
+    QTextBlock findBlockFrom(QTextFrame::iterator it, const BlockPredicate& predicate) const;
     QTextBlock findInDocument(const BlockPredicate& predicate) const;
     QTextBlock findBlockWithAnchor(const QString& href) const;
     QTextBlock findAttachmentLinkBlock(const QString& attachmentId) const;

@@ -53,6 +53,15 @@ CBubbleShadowCache::Radii radiiOf(const QTextFormat& format)
     return radii;
 }
 
+// The area a frame's background fills: its bounding rectangle less its margins and border.
+QRectF insideMarginsAndBorder(const QTextFrameFormat& format, const QRectF& outer, qreal scale)
+{
+    const qreal border = format.border() * scale;
+    return outer.adjusted(format.leftMargin() * scale + border, format.topMargin() * scale + border,
+                          -(format.rightMargin() * scale + border),
+                          -(format.bottomMargin() * scale + border));
+}
+
 } // namespace
 
 struct QTextDocumentLayout::Background
@@ -109,11 +118,7 @@ void QTextDocumentLayout::collectFrame(QTextFrame* frame, const QRectF& visible,
     const QTextFrameFormat format = frame->frameFormat();
     const QBrush brush = format.background();
     if (paintsSomething(brush)) {
-        const qreal border = format.border() * scale;
-        const QRectF inner = outer.adjusted(
-            format.leftMargin() * scale + border, format.topMargin() * scale + border,
-            -(format.rightMargin() * scale + border), -(format.bottomMargin() * scale + border));
-        out.push_back({format, inner, brush, frame->formatIndex()});
+        out.push_back({format, insideMarginsAndBorder(format, outer, scale), brush, frame->formatIndex()});
     }
     collectChildFrames(frame, visible, scale, out);
 }
@@ -127,11 +132,7 @@ void QTextDocumentLayout::collectTable(QTextTable* table, const QRectF& visible,
     const QTextTableFormat format = table->format();
     const QBrush brush = format.background();
     if (paintsSomething(brush)) {
-        const qreal border = format.border() * scale;
-        const QRectF inner = outer.adjusted(
-            format.leftMargin() * scale + border, format.topMargin() * scale + border,
-            -(format.rightMargin() * scale + border), -(format.bottomMargin() * scale + border));
-        out.push_back({format, inner, brush, table->formatIndex()});
+        out.push_back({format, insideMarginsAndBorder(format, outer, scale), brush, table->formatIndex()});
     }
 
     const QList<QTextFrame*> nested = table->childFrames();
