@@ -87,6 +87,37 @@ void CAttachmentsModel::clear()
     removeRows(0, rowCount());
 }
 
+void CAttachmentsModel::removeAll()
+{
+    clear();
+    resizeView();
+    announceContent();
+}
+
+void CAttachmentsModel::setThreadId(const QString& threadId)
+{
+    if (threadId == m_threadId)
+        return;
+    if (!m_attachments.isEmpty())
+        m_putAside.insert(m_threadId, m_attachments);
+    m_threadId = threadId;
+    const QList<OutgoingAttachment> records = m_putAside.take(threadId);
+    if (m_attachments.isEmpty() && records.isEmpty())
+        return;
+    clear();
+    for (const OutgoingAttachment& record : records) {
+        const QString name = record.data.isEmpty() ? QFileInfo(record.path).fileName() : record.path;
+        appendRow(name, CShellImageList::instance()->getShellImage(record.path, kIconSize), record);
+    }
+    resizeView();
+    announceContent();
+}
+
+QString CAttachmentsModel::threadId() const
+{
+    return m_threadId;
+}
+
 const QList<OutgoingAttachment>& CAttachmentsModel::attachments() const
 {
     return m_attachments;

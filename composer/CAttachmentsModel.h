@@ -6,6 +6,7 @@
 #include "OutgoingAttachment.h"
 
 #include <QDateTime>
+#include <QHash>
 #include <QList>
 #include <QListView>
 #include <QPointer>
@@ -46,6 +47,12 @@ public:
     void remove(const QModelIndex& index);
     // Drops every row and record without resizing the view or emitting contentChanged().
     void clear();
+    // Drops every row and record, as after a send: the view shrinks and contentChanged(false) follows.
+    void removeAll();
+    // The conversation the files are attached for. Each conversation keeps its own files: those of the
+    // conversation left are put aside and come back when it is shown again.
+    void setThreadId(const QString& threadId);
+    QString threadId() const;
 
     // The records in row order, for sending.
     const QList<OutgoingAttachment>& attachments() const;
@@ -73,4 +80,6 @@ private:
 
     QPointer<QListView> m_view;
     QList<OutgoingAttachment> m_attachments;
+    QString m_threadId;
+    QHash<QString, QList<OutgoingAttachment>> m_putAside;
 };

@@ -51,6 +51,14 @@ void TypingViewModel::setTyping(const CIncidentCommunication& communication, boo
     rebuildText();
 }
 
+void TypingViewModel::reset()
+{
+    for (const Typist& typist : std::as_const(m_typists))
+        typist.timer->stop();
+    m_typists.clear();
+    rebuildText();
+}
+
 void TypingViewModel::onTypingTimeout()
 {
     const auto* timer = qobject_cast<QTimer*>(sender());

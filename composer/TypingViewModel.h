@@ -34,6 +34,8 @@ public:
 
     // `communication` announces (isTyping) or ends (not isTyping) its sender's typing.
     void setTyping(const CIncidentCommunication& communication, bool isTyping);
+    // Forgets every typist (another conversation is shown); the label is emptied.
+    void reset();
 
     // Number of people typing now.
     int typistCount() const { return int(m_typists.size()); }

@@ -2,8 +2,11 @@
 
 #include "CAttachmentItemDelegate.h"
 #include "CCommunicationObjectModel.h"
+#include "CComposer.h"
 #include "CControlLookup.h"
+#include "CConversationView.h"
 #include "CIconControl.h"
+#include "CMessageSender.h"
 #include "CNewIncidentDialog.h"
 #include "CNewsFetcher.h"
 #include "CPluginItemDelegate.h"
@@ -22,22 +25,16 @@
 #include "QtHelpersInvoke.h"
 #include "RichTextInputWrapper.h"
 
-#include <QAbstractTextDocumentLayout>
-#include <QClipboard>
 #include <QGraphicsOpacityEffect>
 #include <QGuiApplication>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QListView>
 #include <QMetaMethod>
 #include <QProgressBar>
-#include <QScrollBar>
 #include <QStackedWidget>
 #include <QStyle>
-#include <QTextBlock>
 #include <QTextBrowser>
 #include <QTextEdit>
-#include <QTextLayout>
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <QWebEnginePage>
@@ -73,11 +70,6 @@ constexpr qint64 kThreadPendingSeconds = 60;
 const QString kToastText = QStringLiteral("<b>%1</b><br/>%2");
 constexpr int kToastTimeout = -1;
 
-// Where a conversation's state lives and where its display name is found.
-const QString kTicketEntityType = QStringLiteral("SM_MINICRM_TICKET");
-const QString kTicketStateAttribute = QStringLiteral("STATE");
-const QString kDisplayNameProperty = QStringLiteral("DISPLAY_NAME");
-
 // The widget the host shows instead of an empty list.
 constexpr int kEmptyListMargin = 24;
 constexpr int kEmptyListIconSize = 96;
@@ -101,15 +93,6 @@ constexpr int kBoldWeight = 700;
 constexpr int kTitleColor = clrHeadingText;
 constexpr int kPlaceholderColor = clrSubheadingText;
 constexpr int kPageBackgroundColor = clrThreadBackground;
-
-// The composer never shrinks below this many placeholder lines and grows with its text up to about the
-// other number of lines before it scrolls.
-const QString kComposerPlaceholder = QStringLiteral("Write a message");
-constexpr int kComposerFloorLines = 3;
-constexpr int kComposerMaximumLines = 10;
-
-// Read by the host style: a progress bar with this property set stands still.
-const char* const kStopAnimationProperty = "stopProgressBarAnimation";
 
 // Sets a control's font to the point size and weight, upright, and optionally a host colour into `role`.
 void styleControl(QWidget* control, int pointSize, int weight, QPalette::ColorRole role = QPalette::NoRole,
@@ -153,6 +136,13 @@ CNewsReaderPlugin::CNewsReaderPlugin()
     m_communicationModel = std::make_shared<CCommunicationObjectModel>();
     auto* delegate = new CPluginItemDelegate();
     setItemDelegate(delegate);
+    m_conversationView = new CConversationView(m_threadDocument, m_typingViewModel, m_attachmentsModel,
+                                               m_newsFetcher, *m_communicationModel, this);
+    m_sender =
+        new CMessageSender(m_threadDocument, m_attachmentsModel, *m_communicationModel, m_newsFetcher, this);
+    connect(m_conversationView, &CConversationView::composerStateChanged, this,
+            &CNewsReaderPlugin::updateComposerState);
+    connect(m_sender, &CMessageSender::canSendChanged, this, &CNewsReaderPlugin::updateComposerState);
 
     connect(delegate, &CPluginItemDelegate::hideMessageRequest, this,
             &CNewsReaderPlugin::onHideNewsEntryClicked);
@@ -163,11 +153,14 @@ CNewsReaderPlugin::CNewsReaderPlugin()
     }
     connect(m_communicationModel.get(), &CCommunicationObjectModel::modelPopulated, this,
             &CNewsReaderPlugin::onCommunicationItemsModelPopulated);
+    connect(m_communicationModel.get(), &CCommunicationObjectModel::draftChanged, this,
+            &CNewsReaderPlugin::onDraftChanged);
     connect(m_communicationModel.get(), &QAbstractItemModel::dataChanged, this,
             &CNewsReaderPlugin::onCommunicationDataChanged);
-    const auto announceCanSend = [this] { emit notifyCanSendMessage(canSendMessage()); };
-    connect(&m_attachmentsModel, &QAbstractItemModel::rowsInserted, this, announceCanSend);
-    connect(&m_attachmentsModel, &QAbstractItemModel::rowsRemoved, this, announceCanSend);
+    connect(&m_attachmentsModel, &QAbstractItemModel::rowsInserted, this,
+            &CNewsReaderPlugin::updateComposerState);
+    connect(&m_attachmentsModel, &QAbstractItemModel::rowsRemoved, this,
+            &CNewsReaderPlugin::updateComposerState);
     connect(&m_typingViewModel, &TypingViewModel::typingDataChanged, this,
             &CNewsReaderPlugin::onTypingDataChanged);
     connectNewsFetcher();
@@ -222,8 +215,8 @@ void CNewsReaderPlugin::setupView()
     backgroundPalette.setColor(QPalette::Window, CVantrelApp::GetColor(kPageBackgroundColor));
     listBackground->setPalette(backgroundPalette);
 
-    m_typingLabel = CControlLookup::find<QLabel>(this, QStringLiteral("typingLabel"));
-    styleControl(m_typingLabel, kTypingPointSize, kNormalWeight);
+    styleControl(CControlLookup::find<QLabel>(this, QStringLiteral("typingLabel")), kTypingPointSize,
+                 kNormalWeight);
 
     m_issueMessages = CControlLookup::find<QTextBrowser>(this, QStringLiteral("issueMessages"));
     m_issueMessages->setDocument(&m_threadDocument);
@@ -261,17 +254,8 @@ void CNewsReaderPlugin::setupView()
     styleControl(CControlLookup::find<QToolButton>(this, QStringLiteral("issueStateButton")), kTitlePointSize,
                  kBoldWeight, QPalette::ButtonText, kTitleColor);
 
-    setupComposer();
+    setupConversation();
 
-    m_messagesProgress = CControlLookup::find<QProgressBar>(this, QStringLiteral("messagesProgress"));
-    m_messagesProgress->setProperty(kStopAnimationProperty, true);
-    // The style reads the property when it polishes the bar.
-    QStyle* progressStyle = m_messagesProgress->style();
-    progressStyle->unpolish(m_messagesProgress);
-    progressStyle->polish(m_messagesProgress);
-    m_messagesProgress->update();
-
-    m_inputAreaFrame = CControlLookup::find<QWidget>(this, QStringLiteral("inputAreaFrame"));
     m_stackedWidget->setCurrentIndex(kFirstPage);
     m_inputAreaStack = CControlLookup::find<QStackedWidget>(this, QStringLiteral("inputAreaStack"));
     m_inputAreaStack->setCurrentIndex(kFirstPage);
@@ -295,135 +279,48 @@ void CNewsReaderPlugin::createNewsView(QStackedWidget* newsStack)
     m_newsView = view;
 }
 
-void CNewsReaderPlugin::setupComposer()
+void CNewsReaderPlugin::setupConversation()
 {
-    auto* sendButton = CControlLookup::find<QToolButton>(this, QStringLiteral("sendButton"));
-    sendButton->setIcon(qtHelpers::images::icon(QStringLiteral("send-message")));
-    sendButton->setEnabled(false);
-    connect(sendButton, &QToolButton::clicked, this, &CNewsReaderPlugin::onSendMessageClicked);
-    connect(this, &CNewsReaderPlugin::notifyCanSendMessage, sendButton, &QWidget::setEnabled);
+    CComposer::Controls composer;
+    composer.editor = CControlLookup::find<QTextEdit>(this, QStringLiteral("messageEditor"));
+    composer.toolbar = CControlLookup::find<QWidget>(this, QStringLiteral("richTextToolbar"));
+    composer.attachmentsList = CControlLookup::find<QListView>(this, QStringLiteral("attachmentsList"));
+    composer.counter = CControlLookup::find<QLabel>(this, QStringLiteral("charsTypedLabel"));
+    composer.sendButton = CControlLookup::find<QToolButton>(this, QStringLiteral("sendButton"));
+    composer.addAttachment = CControlLookup::find<QToolButton>(this, QStringLiteral("addAttachment"));
+    m_composer = new CComposer(composer, m_attachmentsModel, composer.editor);
+    connect(composer.sendButton, &QToolButton::clicked, this, &CNewsReaderPlugin::onSendMessageClicked);
+    connect(this, &CNewsReaderPlugin::notifyCanSendMessage, composer.sendButton, &QWidget::setEnabled);
+    connect(composer.addAttachment, &QToolButton::clicked, this, &CNewsReaderPlugin::onAddAttachmentClicked);
+    connect(this, &CNewsReaderPlugin::notifyCanComposeNewMessage, composer.addAttachment,
+            &QWidget::setEnabled);
+    connect(m_composer, &CComposer::contentChanged, this, &CNewsReaderPlugin::updateComposerState);
+    connect(m_composer, &CComposer::sendRequested, this, &CNewsReaderPlugin::onSendMessageClicked);
+    connect(m_composer, &CComposer::draftEdited, this, [this](const QString& text) {
+        if (m_currentIndex.isValid())
+            m_communicationModel->setDraftText(m_currentIndex, text);
+    });
+    composer.editor->installEventFilter(this);
+    composer.attachmentsList->installEventFilter(this);
 
-    auto* addAttachment = CControlLookup::find<QToolButton>(this, QStringLiteral("addAttachment"));
-    addAttachment->setIcon(qtHelpers::images::icon(QStringLiteral("attachment")));
-    connect(addAttachment, &QToolButton::clicked, this, &CNewsReaderPlugin::onAddAttachmentClicked);
-    connect(this, &CNewsReaderPlugin::notifyCanComposeNewMessage, addAttachment, &QWidget::setEnabled);
-
-    m_attachmentsList = CControlLookup::find<QListView>(this, QStringLiteral("attachmentsList"));
-    QListView* list = m_attachmentsList;
-    list->setModel(&m_attachmentsModel);
-    auto* delegate = new CAttachmentItemDelegate(list);
-    list->setItemDelegate(delegate);
-    connect(delegate, &CAttachmentItemDelegate::removeAttachmentRequest, this,
-            [this](const QModelIndex& index) { m_attachmentsModel.remove(index); });
-    // Each row's remove button is its persistent editor.
-    connect(&m_attachmentsModel, &QAbstractItemModel::rowsInserted, list,
-            [this, list](const QModelIndex& parent, int first, int last) {
-                for (int row = first; row <= last; ++row)
-                    list->openPersistentEditor(m_attachmentsModel.index(row, 0, parent));
-            });
-    m_attachmentsModel.setView(list);
-    list->setMaximumHeight(m_attachmentsModel.preferredViewHeight());
-    list->installEventFilter(this);
-    list->setVisible(false);
-    connect(&m_attachmentsModel, &CAttachmentsModel::contentChanged, list, &QWidget::setVisible);
-
-    m_messageEditor = CControlLookup::find<QTextEdit>(this, QStringLiteral("messageEditor"));
-    QTextEdit* editor = m_messageEditor;
-    auto* toolbar = CControlLookup::find<QWidget>(this, QStringLiteral("richTextToolbar"));
-    // Parented to the editor, so that it goes with the form.
-    m_richTextInput = new RichTextInputWrapper(editor, toolbar, editor);
-    editor->setAcceptRichText(true);
-    editor->setMaximumHeight(int(std::ceil(composerHeightFloor())));
-
-    QString counterText;
-    ChatServiceApi::checkCommunicationLength(QString(), counterText);
-    CControlLookup::find<QLabel>(this, QStringLiteral("charsTypedLabel"))->setText(counterText);
-
-    editor->installEventFilter(this);
-    connect(editor, &QTextEdit::textChanged, this, &CNewsReaderPlugin::onComposerChanged);
-    connect(editor->document()->documentLayout(), &QAbstractTextDocumentLayout::documentSizeChanged, this,
-            &CNewsReaderPlugin::updateComposerHeight);
+    CConversationView::Controls conversation;
+    conversation.thread = m_issueMessages;
+    conversation.progress = CControlLookup::find<QProgressBar>(this, QStringLiteral("messagesProgress"));
+    conversation.inputArea = CControlLookup::find<QWidget>(this, QStringLiteral("inputAreaFrame"));
+    conversation.typing = CControlLookup::find<QLabel>(this, QStringLiteral("typingLabel"));
+    conversation.title = CControlLookup::find<QLabel>(this, QStringLiteral("issueTitle"));
+    conversation.state = CControlLookup::find<QLabel>(this, QStringLiteral("issueState"));
+    conversation.stateButton = CControlLookup::find<QToolButton>(this, QStringLiteral("issueStateButton"));
+    conversation.createDate = CControlLookup::find<QLabel>(this, QStringLiteral("issueCreateDate"));
+    m_conversationView->attach(conversation, m_composer);
+    m_sender->attach(m_composer, m_conversationView);
 }
 
 bool CNewsReaderPlugin::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched && watched == m_messageEditor && event->type() == QEvent::KeyPress) {
-        if (handleComposerKey(static_cast<QKeyEvent*>(event)))
-            return true;
-    } else if (watched && watched == m_attachmentsList && event->type() == QEvent::Resize) {
-        m_attachmentsList->setMaximumHeight(m_attachmentsModel.preferredViewHeight());
-    }
-    return CAbstractKolPlugin::eventFilter(watched, event);
-}
-
-bool CNewsReaderPlugin::handleComposerKey(const QKeyEvent* event)
-{
-    const int key = event->key();
-    const Qt::KeyboardModifiers modifiers = event->modifiers();
-    if ((key == Qt::Key_Return || key == Qt::Key_Enter) && modifiers.testFlag(Qt::ControlModifier)) {
-        onSendMessageClicked();
+    if (m_composer && m_composer->filterEvent(watched, event))
         return true;
-    }
-    const bool paste = (key == Qt::Key_V && modifiers.testFlag(Qt::ControlModifier)) ||
-                       (key == Qt::Key_Insert && modifiers.testFlag(Qt::ShiftModifier));
-    if (!paste)
-        return false;
-    // A picture on the clipboard becomes an attachment; text is left to the editor's own paste.
-    const QPixmap picture = QGuiApplication::clipboard()->pixmap();
-    if (picture.isNull())
-        return false;
-    m_attachmentsModel.addScreenshot(picture);
-    return true;
-}
-
-void CNewsReaderPlugin::onComposerChanged()
-{
-    const QString text = messageText();
-    emit notifyCanSendMessage(canSendMessage());
-    if (!m_sending && m_currentIndex.isValid())
-        m_communicationModel->setDraftText(m_currentIndex, text);
-
-    QString counterText;
-    ChatServiceApi::checkCommunicationLength(text, counterText);
-    // The counter is not kept: it is only ever written here and in setupView.
-    QWidget* view = getViewWidget();
-    if (auto* counter = view ? view->findChild<QLabel*>(QStringLiteral("charsTypedLabel")) : nullptr)
-        counter->setText(counterText);
-}
-
-qreal CNewsReaderPlugin::composerHeightFloor() const
-{
-    QTextDocument placeholder;
-    if (m_messageEditor)
-        placeholder.setDefaultFont(m_messageEditor->font());
-    placeholder.setPlainText(kComposerPlaceholder);
-    return kComposerFloorLines * placeholder.size().height();
-}
-
-void CNewsReaderPlugin::updateComposerHeight()
-{
-    if (!m_messageEditor)
-        return;
-    const QTextDocument* document = m_messageEditor->document();
-    const qreal floor = composerHeightFloor();
-    const int lineLimit = std::max(1, std::min(kComposerMaximumLines, document->lineCount()));
-
-    int lines = 0;
-    qreal height = 0;
-    for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
-        if (lines > lineLimit)
-            break;
-        const QTextLayout* layout = block.layout();
-        if (!layout)
-            continue;
-        lines += layout->lineCount();
-        for (int i = 0; i < layout->lineCount(); ++i) {
-            const QTextLine line = layout->lineAt(i);
-            height += line.ascent() + line.descent() + line.leading();
-        }
-    }
-    height = qFuzzyIsNull(height) ? floor : height + 2 * document->rootFrame()->frameFormat().margin();
-    m_messageEditor->setMaximumHeight(int(std::ceil(std::max(floor, height))));
+    return CAbstractKolPlugin::eventFilter(watched, event);
 }
 
 void CNewsReaderPlugin::onThreadAnchorClicked(const QUrl&)
@@ -598,11 +495,15 @@ void CNewsReaderPlugin::setIsSelected(bool value)
     CAbstractKolPlugin::setIsSelected(value);
 }
 
-void CNewsReaderPlugin::onCommunicationReceived(CIncidentCommunication)
-{}
+void CNewsReaderPlugin::onCommunicationReceived(CIncidentCommunication communication)
+{
+    m_conversationView->onCommunicationReceived(communication);
+}
 
-void CNewsReaderPlugin::onCommunicationDeleted(CIncidentCommunication)
-{}
+void CNewsReaderPlugin::onCommunicationDeleted(CIncidentCommunication communication)
+{
+    m_conversationView->onCommunicationDeleted(communication, isSelected());
+}
 
 void CNewsReaderPlugin::onWriteUsLinkActivated()
 {
@@ -699,7 +600,9 @@ void CNewsReaderPlugin::onToastClicked()
 }
 
 void CNewsReaderPlugin::onSendMessageClicked()
-{}
+{
+    m_sender->send(m_currentIndex);
+}
 
 void CNewsReaderPlugin::onAddAttachmentClicked()
 {}
@@ -712,19 +615,24 @@ void CNewsReaderPlugin::onAppBroadcastRequest(AppBroadcastRequest id)
     onWriteUsLinkActivated();
 }
 
-void CNewsReaderPlugin::onUpdateCurrentIssueMessages(QString)
-{}
+void CNewsReaderPlugin::onUpdateCurrentIssueMessages(QString incidentId)
+{
+    m_conversationView->reloadIfShown(incidentId, isSelected());
+}
 
-void CNewsReaderPlugin::onThreadIsBeingEdited(CIncidentCommunication, bool)
-{}
+void CNewsReaderPlugin::onThreadIsBeingEdited(CIncidentCommunication communication, bool isEditing)
+{
+    m_conversationView->onThreadIsBeingEdited(communication, isEditing);
+}
 
 void CNewsReaderPlugin::onWatchersCacheChanged()
-{}
+{
+    m_conversationView->onWatchersCacheChanged();
+}
 
 void CNewsReaderPlugin::onTypingDataChanged(QString label)
 {
-    if (m_typingLabel)
-        m_typingLabel->setText(label);
+    m_conversationView->setTypingText(label);
 }
 
 void CNewsReaderPlugin::onApplicationEvent(QEvent* event)
@@ -831,40 +739,18 @@ void CNewsReaderPlugin::markRead(const QModelIndex& index)
 void CNewsReaderPlugin::showItem(const QModelIndex& index)
 {
     const bool conversation = index.data(CCommunicationObjectModel::ConversationRole).toBool();
+    // Selecting the shown conversation again (the host does after list rebuilds) keeps its thread.
+    const bool alreadyShown = conversation && index == m_conversationView->currentConversation();
+    if (!alreadyShown)
+        m_conversationView->reset();
     if (!conversation && m_newsView)
         m_newsView->page()->setHtml(index.data(CCommunicationObjectModel::ExtraTextRole).toString(), QUrl());
-    if (conversation)
-        showConversation(index);
+    if (alreadyShown)
+        m_conversationView->showHeader(index, false);
+    else if (conversation && m_viewSetUp)
+        m_conversationView->show(index);
     if (m_newsStack)
         m_newsStack->setCurrentIndex(conversation ? kThreadPage : kNewsViewPage);
-}
-
-void CNewsReaderPlugin::showConversation(const QModelIndex& index)
-{
-    if (!m_viewSetUp || !index.data(CCommunicationObjectModel::ConversationRole).toBool())
-        return;
-    QWidget* view = getViewWidget();
-    const QString title = index.data(CCommunicationObjectModel::TitleRole).toString();
-    if (auto* titleLabel = viewControl<QLabel>(view, "issueTitle")) {
-        titleLabel->setText(title);
-        titleLabel->setToolTip(title);
-    }
-
-    // The list carries the whole ticket; its state key is named by the server's schema.
-    const auto ticket = index.data(CCommunicationObjectModel::EntityRole).value<EntityDto::EntityDto>();
-    const QString stateKey = ticket.attributeValue(kTicketStateAttribute).toString();
-    QString stateText = stateKey;
-    if (vantrelApp) {
-        const EntitySchemaDto::EntitySchemaDto schema = vantrelApp->getLowcodeSchema();
-        if (const EntitySchemaDto::EnumValueDto* state = schema.enumValue(kTicketEntityType, stateKey))
-            stateText = state->properties.value(kDisplayNameProperty).toString();
-    }
-    if (auto* stateLabel = viewControl<QLabel>(view, "issueState"))
-        stateLabel->setText(stateText);
-    if (auto* stateButton = viewControl<QToolButton>(view, "issueStateButton"))
-        stateButton->setText(stateText);
-    if (auto* dateLabel = viewControl<QLabel>(view, "issueCreateDate"))
-        dateLabel->setText(index.data(CCommunicationObjectModel::DateTextRole).toString());
 }
 
 void CNewsReaderPlugin::onCommunicationDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight)
@@ -874,11 +760,12 @@ void CNewsReaderPlugin::onCommunicationDataChanged(const QModelIndex& topLeft, c
         return;
     if (m_currentIndex.data(CCommunicationObjectModel::IsFolderRole).toBool())
         return;
-    QScrollBar* scrollBar = m_issueMessages ? m_issueMessages->verticalScrollBar() : nullptr;
-    const int scrollPosition = scrollBar ? scrollBar->value() : 0;
+    if (m_currentIndex.data(CCommunicationObjectModel::ConversationRole).toBool()) {
+        // The header and the composer follow; the thread stays where the user scrolled.
+        m_conversationView->showHeader(m_currentIndex, false);
+        return;
+    }
     showItem(m_currentIndex);
-    if (scrollBar)
-        scrollBar->setValue(scrollPosition);
 }
 
 void CNewsReaderPlugin::chooseRightHandPageWhenIdle()
@@ -950,14 +837,14 @@ void CNewsReaderPlugin::onProgressTimeout()
         m_inputAreaStack->setCurrentIndex(kInputAreaWaitPage);
 }
 
-bool CNewsReaderPlugin::canSendMessage() const
+void CNewsReaderPlugin::updateComposerState()
 {
-    return !messageText().isEmpty() || m_attachmentsModel.rowCount() > 0;
+    emit notifyCanSendMessage(m_sender->canSend());
+    emit notifyCanComposeNewMessage(m_conversationView->canCompose());
 }
 
-QString CNewsReaderPlugin::messageText() const
+void CNewsReaderPlugin::onDraftChanged(const QModelIndex& index)
 {
-    if (!m_viewSetUp || !m_messageEditor)
-        return QString();
-    return RichTextInputWrapper::messageMarkdown(m_messageEditor->document());
+    if (index.isValid() && index == m_currentIndex)
+        m_conversationView->restoreDraft(index);
 }

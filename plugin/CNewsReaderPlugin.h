@@ -22,17 +22,14 @@
 
 #include <memory>
 
+class CComposer;
 class CCommunicationObjectModel;
+class CConversationView;
+class CMessageSender;
 class CNewsFetcher;
-class QKeyEvent;
-class QLabel;
-class QListView;
-class QProgressBar;
 class QStackedWidget;
 class QTextBrowser;
-class QTextEdit;
 class QWebEngineView;
-class RichTextInputWrapper;
 
 class CNewsReaderPlugin : public CAbstractKolPlugin
 {
@@ -133,10 +130,10 @@ private:
     bool fetcherHasAny(unsigned filter) const;
     void onProgressTimeout();
     void onNewIncidentCreated(const EntityDto::EntityDto& ticket);
-    // Whether the composer holds something to send: text or at least one attached file.
-    bool canSendMessage() const;
-    // The composer's text as it would be sent; empty while no composer is shown.
-    QString messageText() const;
+    // The can-send rule and whether the shown conversation takes messages, announced to the buttons.
+    void updateComposerState();
+    // The conversation's draft changed on the server side: the shown one gets it into its composer.
+    void onDraftChanged(const QModelIndex& index);
     // Expands the entry's folder and asks the host to select the item.
     void selectItem(const QModelIndex& index);
     // The listed news entry or conversation with that id, or the invalid index.
@@ -147,8 +144,6 @@ private:
     void markRead(const QModelIndex& index);
     // Shows a news entry in the web page or a conversation in the thread; `index` is not a folder.
     void showItem(const QModelIndex& index);
-    // The conversation's header; loading its thread is not done here.
-    void showConversation(const QModelIndex& index);
     // Shows the current item again after the model changed it, keeping the thread where the user scrolled.
     void onCommunicationDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight);
     // Chooses the right-hand page once the event loop is idle, when the selection has settled.
@@ -159,18 +154,10 @@ private:
     void showUrgentToast();
     // Part of setupView: the news web view, where the platform allows one.
     void createNewsView(QStackedWidget* newsStack);
-    // Part of setupView: the composer, its attachment list and buttons.
-    void setupComposer();
+    // Part of setupView: the composer, the conversation view and the sender get their controls.
+    void setupConversation();
     // Links in the thread document (attachments); the document never navigates by itself.
     void onThreadAnchorClicked(const QUrl& url);
-    // The editor's text changed: send state, draft and length counter follow.
-    void onComposerChanged();
-    // Ctrl+Return sends, pasting a picture attaches it; true when the key was consumed.
-    bool handleComposerKey(const QKeyEvent* event);
-    // Lets the composer grow with its text for about ten lines, never below three placeholder lines.
-    void updateComposerHeight();
-    // Three lines of the placeholder text in the editor's font.
-    qreal composerHeightFloor() const;
 
     // Members in the order of their creation; they are released in reverse.
     CAttachmentsModel m_attachmentsModel;
@@ -187,20 +174,16 @@ private:
     std::shared_ptr<CCommunicationObjectModel> m_communicationModel;
     QPointer<QStackedWidget> m_stackedWidget;
     QPointer<QStackedWidget> m_inputAreaStack;
-    QPointer<QLabel> m_typingLabel;
     QPointer<QStackedWidget> m_newsStack;
     QPointer<QTextBrowser> m_issueMessages;
-    QPointer<QListView> m_attachmentsList;
-    QPointer<QTextEdit> m_messageEditor;
-    QPointer<QProgressBar> m_messagesProgress;
-    QPointer<QWidget> m_inputAreaFrame;
     QPointer<QWebEngineView> m_newsView;
-    QPointer<RichTextInputWrapper> m_richTextInput;
     QPointer<QWidget> m_emptyListWidget;
+    // The objects each concern of the page is handed to.
+    CConversationView* m_conversationView = nullptr;
+    CMessageSender* m_sender = nullptr;
+    QPointer<CComposer> m_composer;
     int m_pendingRequestFlags = 0;
     bool m_viewSetUp = false;
-    // Raised while the composer is cleared after a send, so that the clearing is not saved as a draft.
-    bool m_sending = false;
     // Raised while the plugin itself expands a folder, so that the folder's own page is not shown.
     bool m_expanding = false;
     // Raised by the first toast and never cleared: the user hears about urgent news once per run.

@@ -1,0 +1,214 @@
+// A support conversation on the page, end to end through the simulated server: the header, the thread as
+// loaded, the draft, the composer's availability, a selection that changes while a fetch runs, and the live
+// updates that keep the shown thread current.
+#include "HostTestMain.h"
+
+#include "CNewsFetcher.h"
+#include "ConversationScreen.h"
+
+#include <QJsonObject>
+#include <QScrollBar>
+#include <QSignalSpy>
+
+namespace {
+
+const QString kPrinter = QStringLiteral("conv-printer");
+const QString kInvoice = QStringLiteral("conv-invoice");
+const QString kLicense = QStringLiteral("conv-license");
+const QString kDarkMode = QStringLiteral("conv-darkmode");
+
+int requestsFor(const QString& pathPart)
+{
+    int count = 0;
+    for (const HostControl::Request& request : HostControl::requestLog())
+        count += request.verb == "GET" && request.path.contains(pathPart) ? 1 : 0;
+    return count;
+}
+
+} // namespace
+
+class TestConversationView : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        HostControl::resetSwitches();
+        HostControl::setCanUseWebEngine(false);
+        HostControl::setHoldRequests(false);
+        HostControl::loadDefaultScenario();
+        QTRY_VERIFY(vantrelApp->getNewsFetcher()->hasAny(CNewsFetcher::FilterIssues));
+        HostControl::clearRequestLog();
+        HostControl::clearEvents();
+    }
+
+    void loadsTheWholeThreadInServerOrderWithItsHeader()
+    {
+        ConversationScreen screen;
+        screen.select(kPrinter);
+        QVERIFY(screen.busy());
+        QCOMPARE(screen.control<QLabel>("issueTitle")->text(),
+                 QStringLiteral("Scanner blocks my printer driver after the update"));
+        QCOMPARE(screen.control<QLabel>("issueTitle")->toolTip(),
+                 screen.control<QLabel>("issueTitle")->text());
+        QVERIFY(!screen.control<QLabel>("issueCreateDate")->text().isEmpty());
+        const QString state = screen.control<QLabel>("issueState")->text();
+        QVERIFY(!state.isEmpty() && state != QStringLiteral("OPEN"));
+        QCOMPARE(screen.control<QToolButton>("issueStateButton")->text(), state);
+
+        QTRY_VERIFY(!screen.busy());
+        // The opening message, then every message as the server lists it (drafts and old versions left out).
+        QCOMPARE(screen.messageCount(), 6);
+        const QString text = screen.threadText();
+        const QStringList inOrder = {
+            QStringLiteral("HP LaserJet"),         QStringLiteral("false positive"),
+            QStringLiteral("the exception works"), QStringLiteral("detection team"),
+            QStringLiteral("Message is deleted"),  QStringLiteral("step-by-step guide")};
+        qsizetype previous = -1;
+        for (const QString& part : inOrder) {
+            const qsizetype at = text.indexOf(part);
+            QVERIFY2(at > previous, qPrintable(part));
+            previous = at;
+        }
+        QVERIFY(text.contains(QStringLiteral("(edited)")));
+        QVERIFY(!text.contains(QStringLiteral("wrong product")));
+        QVERIFY(text.contains(QStringLiteral("exceptions-guide.pdf")));
+        // Once idle, the newest message is in view.
+        QScrollBar* scrollBar = screen.thread()->verticalScrollBar();
+        QTRY_VERIFY(scrollBar->maximum() > 0 && scrollBar->value() == scrollBar->maximum());
+    }
+
+    void composerFollowsTheConversation()
+    {
+        ConversationScreen screen;
+        QVERIFY(screen.open(kInvoice));
+        // The draft comes back into the composer and is not saved back.
+        QCOMPARE(screen.editor()->toPlainText(),
+                 QStringLiteral("Hi Lena, the new address is Lindenstraße 12, 10969 Berlin"));
+        const QModelIndex invoice = screen.model()->indexForKey(kInvoice);
+        QVERIFY(!invoice.data(CCommunicationObjectModel::DraftBusyRole).toBool());
+        QVERIFY(screen.control<QWidget>("inputAreaFrame")->isVisible());
+        QVERIFY(screen.canSend());
+
+        // A closed conversation takes no more messages.
+        QSignalSpy compose(screen.plugin.get(), &CNewsReaderPlugin::notifyCanComposeNewMessage);
+        QVERIFY(screen.open(kLicense));
+        QVERIFY(!screen.control<QWidget>("inputAreaFrame")->isVisible());
+        QVERIFY(!screen.control<QWidget>("inputAreaFrame")->isEnabled());
+        QVERIFY(!compose.isEmpty() && !compose.last().first().toBool());
+        QVERIFY(!screen.threadText().contains(QStringLiteral("Lindenstraße")));
+
+        // A conversation without a thread asks the server for nothing.
+        HostControl::clearRequestLog();
+        screen.select(kDarkMode);
+        QTest::qWait(50);
+        QCOMPARE(requestsFor(QStringLiteral("/threads/")), 0);
+        QCOMPARE(screen.messageCount(), 0);
+        QVERIFY(!screen.busy());
+    }
+
+    void aLateAnswerForAnotherConversationIsIgnored()
+    {
+        ConversationScreen screen;
+        HostControl::setHoldRequests(true);
+        screen.select(kPrinter);
+        screen.select(kInvoice);
+        QTRY_COMPARE(HostControl::pendingRequests().size(), 2);
+        const QList<HostControl::Request> held = HostControl::pendingRequests();
+        // The printer thread answers last but one, the invoice thread last.
+        for (const HostControl::Request& request : held) {
+            if (request.path.contains(kPrinter))
+                QVERIFY(HostControl::releaseRequest(request.id));
+        }
+        QTest::qWait(50);
+        QCOMPARE(screen.messageCount(), 0);
+        QVERIFY(screen.busy());
+        HostControl::releaseAllRequests();
+        QTRY_VERIFY(!screen.busy());
+        QVERIFY(screen.threadText().contains(QStringLiteral("VAT")));
+        QVERIFY(!screen.threadText().contains(QStringLiteral("LaserJet")));
+
+        // A failed fetch ends the busy bar and keeps what was shown.
+        const int shown = screen.messageCount();
+        HostControl::setHoldRequests(false);
+        HostControl::failNextRequest(QStringLiteral("/threads/"), 500, QStringLiteral("Server error"));
+        screen.plugin->onUpdateCurrentIssueMessages(kInvoice);
+        QVERIFY(screen.busy());
+        QTRY_VERIFY(!screen.busy());
+        QCOMPARE(screen.messageCount(), shown);
+    }
+
+    void liveUpdatesChangeOnlyTheShownThread()
+    {
+        ConversationScreen screen;
+        QVERIFY(screen.open(kInvoice));
+        const int loaded = screen.messageCount();
+
+        // Received: appended once, even when it is reported twice; another conversation's stays out.
+        const QString liveId = HostControl::postMessage(kInvoice, QStringLiteral("Live answer"));
+        HostControl::postMessage(kPrinter, QStringLiteral("Meant for the printer"));
+        QTRY_COMPARE(screen.messageCount(), loaded + 1);
+        CNewsFetcher* fetcher = vantrelApp->getNewsFetcher().get();
+        emit fetcher->communicationReceived(screen.document()->messageIndex(liveId).message);
+        QTest::qWait(20);
+        QCOMPARE(screen.messageCount(), loaded + 1);
+        QCOMPARE(screen.threadText().count(QStringLiteral("Live answer")), 1);
+        QVERIFY(!screen.threadText().contains(QStringLiteral("printer")));
+
+        // Edited: the new version takes the old one's place.
+        HostControl::editMessage(liveId, QStringLiteral("Live answer, amended"));
+        QTRY_VERIFY(screen.threadText().contains(QStringLiteral("amended")));
+        QCOMPARE(screen.messageCount(), loaded + 1);
+        QCOMPARE(screen.threadText().count(QStringLiteral("(edited)")), 1);
+        QVERIFY(screen.threadText().trimmed().endsWith(QStringLiteral("(edited)")));
+
+        // Deleted: shown as deleted in its place.
+        HostControl::deleteMessage(QStringLiteral("msg-invoice-1"));
+        QTRY_VERIFY(screen.threadText().contains(QStringLiteral("Message is deleted")));
+        QVERIFY(!screen.threadText().contains(QStringLiteral("Netherlands")));
+        QCOMPARE(screen.messageCount(), loaded + 1);
+
+        // New messages for the shown conversation (or for whichever is shown) reload it without doubles.
+        for (const QString& incident : {kInvoice, QString(), kPrinter}) {
+            HostControl::clearRequestLog();
+            screen.plugin->onUpdateCurrentIssueMessages(incident);
+            QTest::qWait(50);
+            QCOMPARE(requestsFor(QStringLiteral("/threads/")), incident == kPrinter ? 0 : 1);
+            QTRY_VERIFY(!screen.busy());
+            QCOMPARE(screen.messageCount(), loaded + 1);
+        }
+    }
+
+    void typingAndParticipantNamesFollowTheServer()
+    {
+        ConversationScreen screen;
+        QVERIFY(screen.open(kInvoice));
+        auto* typing = screen.control<QLabel>("typingLabel");
+        HostControl::setTyping(kPrinter, QStringLiteral("s-anna"), true);
+        QTest::qWait(50);
+        QVERIFY(typing->text().isEmpty());
+        HostControl::setTyping(kInvoice, QStringLiteral("s-lena"), true);
+        QTRY_VERIFY(typing->text().contains(QStringLiteral("Lena")));
+        HostControl::setTyping(kInvoice, QStringLiteral("s-lena"), false);
+        QTRY_VERIFY(typing->text().isEmpty());
+
+        // A newcomer's message has no name until the participant becomes known; the view stays put.
+        for (int i = 0; i < 12; ++i)
+            HostControl::postMessage(kInvoice, QStringLiteral("Filler %1").arg(i));
+        HostControl::postMessage(kInvoice, QStringLiteral("Hello from a colleague"),
+                                 QStringLiteral("s-nora"));
+        QTRY_VERIFY(screen.threadText().contains(QStringLiteral("colleague")));
+        QTRY_COMPARE(screen.thread()->verticalScrollBar()->value(),
+                     screen.thread()->verticalScrollBar()->maximum());
+        screen.thread()->verticalScrollBar()->setValue(10);
+        HostControl::addParticipant({{QStringLiteral("id"), QStringLiteral("s-nora")},
+                                     {QStringLiteral("firstName"), QStringLiteral("Nora")},
+                                     {QStringLiteral("lastName"), QStringLiteral("Brandt")}});
+        QTRY_VERIFY(screen.threadText().contains(QStringLiteral("Nora")));
+        QCOMPARE(screen.thread()->verticalScrollBar()->value(), 10);
+    }
+};
+
+HOST_TEST_MAIN(TestConversationView)
+#include "tst_conversationview.moc"
