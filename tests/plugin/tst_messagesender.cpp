@@ -1,0 +1,203 @@
+// Sending from the composer into the shown conversation, end to end through the simulated server: when it is
+// possible, the checks before anything leaves, the outgoing message and its delivery mark, and refusals.
+#include "HostTestMain.h"
+
+#include "CAttachmentsModel.h"
+#include "CMessageSender.h"
+#include "CNewsFetcher.h"
+#include "ConversationScreen.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QListView>
+#include <QTemporaryDir>
+#include <QTextBlock>
+
+namespace {
+
+const QString kPrinter = QStringLiteral("conv-printer");
+const QString kInvoice = QStringLiteral("conv-invoice");
+
+// The resource name of the delivery image at the end of the last own message's footer.
+QString lastDeliveryMark(const CMessageItemsDocument* document)
+{
+    QString mark;
+    for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
+        for (auto it = block.begin(); !it.atEnd(); ++it) {
+            const QTextCharFormat format = it.fragment().charFormat();
+            if (format.isImageFormat() && format.toImageFormat().width() == 16.0)
+                mark = format.toImageFormat().name();
+        }
+    }
+    return mark;
+}
+
+// While requests are held: lets every thread fetch through, so that only the send waits.
+void releaseFetches()
+{
+    for (const HostControl::Request& request : HostControl::pendingRequests()) {
+        if (request.verb == "GET")
+            HostControl::releaseRequest(request.id);
+    }
+}
+
+QList<HostControl::Event> balloons()
+{
+    return HostControl::events(QStringLiteral("balloon"));
+}
+
+} // namespace
+
+class TestMessageSender : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        HostControl::resetSwitches();
+        HostControl::setCanUseWebEngine(false);
+        HostControl::setHoldRequests(false);
+        HostControl::setSignedIn(true);
+        HostControl::loadDefaultScenario();
+        QTRY_VERIFY(vantrelApp->getNewsFetcher()->hasAny(CNewsFetcher::FilterIssues));
+        HostControl::clearEvents();
+        QGuiApplication::clipboard()->clear();
+    }
+
+    void sendsAndMarksTheMessageDelivered()
+    {
+        ConversationScreen screen;
+        QVERIFY(screen.open(kPrinter));
+        QVERIFY(!screen.canSend());
+        screen.type(QStringLiteral("Thanks, *that* helped"));
+        QVERIFY(screen.canSend());
+
+        HostControl::setHoldRequests(true);
+        const int before = screen.messageCount();
+        QTest::keyClick(screen.editor(), Qt::Key_Return, Qt::ControlModifier);
+        // At once: the composer is empty, the message is shown as being delivered, sending is blocked here.
+        QCOMPARE(screen.editor()->toPlainText(), QString());
+        QCOMPARE(screen.messageCount(), before + 1);
+        QVERIFY(screen.threadText().contains(QStringLiteral("Alex Morgan")));
+        QCOMPARE(lastDeliveryMark(screen.document()), CMessageItemsDocument::NotDeliveredImage);
+        screen.type(QStringLiteral("More"));
+        QVERIFY(!screen.canSend());
+        QTest::keyClick(screen.editor(), Qt::Key_Enter, Qt::ControlModifier);
+        QCOMPARE(screen.messageCount(), before + 1);
+
+        // Another conversation is not blocked by it.
+        screen.select(kInvoice);
+        releaseFetches();
+        QTRY_VERIFY(!screen.busy() && screen.messageCount() > 0);
+        QVERIFY(screen.canSend());
+        screen.select(kPrinter);
+        releaseFetches();
+        QTRY_VERIFY(!screen.busy() && screen.messageCount() > 0);
+        QVERIFY(!screen.canSend());
+        // The waiting message is shown again with its thread.
+        QVERIFY(screen.threadText().contains(QStringLiteral("that helped")));
+
+        HostControl::setHoldRequests(false);
+        HostControl::releaseAllRequests();
+        QTRY_COMPARE(lastDeliveryMark(screen.document()), CMessageItemsDocument::DeliveredImage);
+        QTRY_VERIFY(screen.canSend());
+        QCOMPARE(screen.threadText().count(QStringLiteral("that helped")), 1);
+        const QList<QJsonObject> stored = HostControl::threadMessages(kPrinter);
+        QVERIFY(stored.last().value(QStringLiteral("text")).toString().contains(QStringLiteral("*that* helped")));
+    }
+
+    void checksNamesAndLengthBeforeAnythingLeaves()
+    {
+        ConversationScreen screen;
+        QVERIFY(screen.open(kPrinter));
+        auto* attachments = qobject_cast<CAttachmentsModel*>(screen.control<QListView>("attachmentsList")->model());
+        QTemporaryDir dir;
+        const QString badFile = dir.filePath(QStringLiteral("report=final.txt"));
+        QFile file(badFile);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("log");
+        file.close();
+
+        // A file alone can be sent, but not under a forbidden name.
+        attachments->addFiles({badFile});
+        QVERIFY(screen.canSend());
+        screen.plugin->onSendMessageClicked();
+        QCOMPARE(balloons().size(), 1);
+        QCOMPARE(balloons().first().details.value(QStringLiteral("text")).toString(),
+                 QStringLiteral("The following files cannot be used as attachments: report=final.txt. Attachment "
+                                "name can't contain any of the following characters: [<>:\"/\\\\|?*%=]"));
+        QCOMPARE(attachments->rowCount(), 1);
+
+        // Too long a text stays in the composer.
+        attachments->removeAll();
+        HostControl::clearEvents();
+        const int before = screen.messageCount();
+        screen.editor()->setPlainText(QString(HostControl::messageLengthLimit() + 1, QLatin1Char('x')));
+        screen.plugin->onSendMessageClicked();
+        QCOMPARE(balloons().size(), 1);
+        QCOMPARE(balloons().first().details.value(QStringLiteral("text")).toString(),
+                 QStringLiteral("The message is too long, please make it shorter."));
+        QCOMPARE(balloons().first().details.value(QStringLiteral("widget")).toString(),
+                 QStringLiteral("messageEditor"));
+        QCOMPARE(screen.editor()->toPlainText().size(), HostControl::messageLengthLimit() + 1);
+        QCOMPARE(screen.messageCount(), before);
+
+        // A pasted picture is attached, pasted text is typed.
+        screen.editor()->clear();
+        QImage picture(8, 8, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        QGuiApplication::clipboard()->setImage(picture);
+        QTest::keyClick(screen.editor(), Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(attachments->rowCount(), 1);
+        QCOMPARE(screen.editor()->toPlainText(), QString());
+        QGuiApplication::clipboard()->setText(QStringLiteral("pasted"));
+        QTest::keyClick(screen.editor(), Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(screen.editor()->toPlainText(), QStringLiteral("pasted"));
+
+        // The files stay with their conversation.
+        QVERIFY(screen.open(kInvoice));
+        QCOMPARE(attachments->rowCount(), 0);
+        QVERIFY(screen.open(kPrinter));
+        QCOMPARE(attachments->rowCount(), 1);
+    }
+
+    void aRefusedMessageStaysMarkedFailed_data()
+    {
+        QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("too large") << 413 << CMessageSender::tooLargeText();
+        QTest::newRow("server error") << 500 << QStringLiteral("Internal trouble");
+    }
+
+    void aRefusedMessageStaysMarkedFailed()
+    {
+        QFETCH(int, status);
+        QFETCH(QString, shown);
+        ConversationScreen screen;
+        QVERIFY(screen.open(kPrinter));
+        HostControl::clearEvents();
+        HostControl::failNextRequest(QStringLiteral("/communications"), status, QStringLiteral("Internal trouble"));
+        screen.type(QStringLiteral("Will this arrive?"));
+        screen.plugin->onSendMessageClicked();
+        QTRY_COMPARE(lastDeliveryMark(screen.document()), CMessageItemsDocument::DeliveryFailedImage);
+        QTRY_COMPARE(balloons().size(), 1);
+        const QVariantMap balloon = balloons().first().details;
+        QCOMPARE(balloon.value(QStringLiteral("text")).toString(), shown);
+        QCOMPARE(balloon.value(QStringLiteral("timeout")).toUInt(), 4294967295u);
+        QCOMPARE(balloon.value(QStringLiteral("widget")).toString(), QStringLiteral("issueMessages"));
+        QVERIFY(screen.threadText().contains(QStringLiteral("Will this arrive?")));
+        QTRY_VERIFY(!screen.canSend() && screen.editor()->toPlainText().isEmpty());
+
+        // Shown again, still failed, when the conversation comes back.
+        QVERIFY(screen.open(kInvoice));
+        QVERIFY(screen.open(kPrinter));
+        QTRY_VERIFY(screen.threadText().contains(QStringLiteral("Will this arrive?")));
+        QCOMPARE(lastDeliveryMark(screen.document()), CMessageItemsDocument::DeliveryFailedImage);
+        screen.type(QStringLiteral("Again"));
+        QVERIFY(screen.canSend());
+    }
+};
+
+HOST_TEST_MAIN(TestMessageSender)
+#include "tst_messagesender.moc"
