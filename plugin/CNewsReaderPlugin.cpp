@@ -5,10 +5,13 @@
 #include "CComposer.h"
 #include "CControlLookup.h"
 #include "CConversationView.h"
+#include "CEmptyListWidget.h"
 #include "CIconControl.h"
+#include "CMainScreenStyle.h"
 #include "CMessageSender.h"
 #include "CNewIncidentDialog.h"
 #include "CNewsFetcher.h"
+#include "CNewsNotice.h"
 #include "CPluginItemDelegate.h"
 #include "CPropertyBag.h"
 #include "CReadNewsEntryRequest.h"
@@ -25,7 +28,6 @@
 #include "QtHelpersInvoke.h"
 #include "RichTextInputWrapper.h"
 
-#include <QGraphicsOpacityEffect>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QListView>
@@ -36,7 +38,6 @@
 #include <QTextBrowser>
 #include <QTextEdit>
 #include <QToolButton>
-#include <QVBoxLayout>
 #include <QWebEnginePage>
 #include <QWebEngineView>
 
@@ -47,7 +48,6 @@ namespace {
 
 const QString kPluginId = QStringLiteral("newsReader");
 const QString kMainFormName = QStringLiteral("newsReader.mainScreen.ui");
-const QString kShowNewsSetting = QStringLiteral("UIShowNews");
 
 // The page shown when the progress timer expires.
 constexpr int kInputAreaWaitPage = 1;
@@ -70,48 +70,8 @@ constexpr qint64 kThreadPendingSeconds = 60;
 const QString kToastText = QStringLiteral("<b>%1</b><br/>%2");
 constexpr int kToastTimeout = -1;
 
-// The widget the host shows instead of an empty list.
-constexpr int kEmptyListMargin = 24;
-constexpr int kEmptyListIconSize = 96;
-constexpr qreal kEmptyListIconOpacity = 0.6;
-constexpr int kEmptyListTextPointSize = 11;
-
 // Pages every stack of the main screen starts on.
 constexpr int kFirstPage = 0;
-
-// Fonts of the main screen: point sizes and weights.
-constexpr int kTypingPointSize = 9;
-constexpr int kThreadPointSize = 10;
-constexpr int kHeadlinePointSize = 14;
-constexpr int kPlaceholderPointSize = 12;
-constexpr int kTitlePointSize = 18;
-constexpr int kNormalWeight = 400;
-constexpr int kDemiBoldWeight = 600;
-constexpr int kBoldWeight = 700;
-
-// Host colours of the main screen.
-constexpr int kTitleColor = clrHeadingText;
-constexpr int kPlaceholderColor = clrSubheadingText;
-constexpr int kPageBackgroundColor = clrThreadBackground;
-
-// Sets a control's font to the point size and weight, upright, and optionally a host colour into `role`.
-void styleControl(QWidget* control, int pointSize, int weight, QPalette::ColorRole role = QPalette::NoRole,
-                  int color = -1)
-{
-    QFont font = control->font();
-    font.setPointSize(pointSize);
-    font.setWeight(QFont::Weight(weight));
-    font.setItalic(false);
-    control->setFont(font);
-    if (role == QPalette::NoRole)
-        return;
-    QPalette palette = control->palette();
-    palette.setColor(role, CVantrelApp::GetColor(color));
-    // Labels draw their text in their foreground role, so the colour goes there as well.
-    if (control->foregroundRole() != role)
-        palette.setColor(control->foregroundRole(), CVantrelApp::GetColor(color));
-    control->setPalette(palette);
-}
 
 // A control of the loaded view that the plugin does not keep; null without a view or without the control.
 template<typename T>
@@ -128,12 +88,12 @@ CNewsReaderPlugin::CNewsReaderPlugin()
     , m_pluginIcon(qtHelpers::images::icon(m_pluginIconName))
     , m_previewManager(nullptr)
     , m_typingViewModel(this)
+    , m_newsFetcher(vantrelApp ? vantrelApp->getNewsFetcher() : nullptr)
+    , m_communicationModel(std::make_shared<CCommunicationObjectModel>())
+    , m_notice(m_newsFetcher)
 {
     newsReader::registerMetaTypes();
 
-    if (vantrelApp)
-        m_newsFetcher = vantrelApp->getNewsFetcher();
-    m_communicationModel = std::make_shared<CCommunicationObjectModel>();
     auto* delegate = new CPluginItemDelegate();
     setItemDelegate(delegate);
     m_conversationView = new CConversationView(m_threadDocument, m_typingViewModel, m_attachmentsModel,
@@ -209,50 +169,23 @@ void CNewsReaderPlugin::setupView()
     m_stackedWidget = CControlLookup::find<QStackedWidget>(this, QStringLiteral("stackedWidget"));
     m_newsStack = CControlLookup::find<QStackedWidget>(this, QStringLiteral("newsStack"));
 
-    auto* listBackground = CControlLookup::find<QWidget>(this, QStringLiteral("messageListView"));
-    listBackground->setAutoFillBackground(true);
-    QPalette backgroundPalette = listBackground->palette();
-    backgroundPalette.setColor(QPalette::Window, CVantrelApp::GetColor(kPageBackgroundColor));
-    listBackground->setPalette(backgroundPalette);
-
-    styleControl(CControlLookup::find<QLabel>(this, QStringLiteral("typingLabel")), kTypingPointSize,
-                 kNormalWeight);
-
     m_issueMessages = CControlLookup::find<QTextBrowser>(this, QStringLiteral("issueMessages"));
     m_issueMessages->setDocument(&m_threadDocument);
-    QFont threadFont = m_issueMessages->font();
-    threadFont.setPointSize(kThreadPointSize);
-    m_threadDocument.setDefaultFont(threadFont);
+    CMainScreenStyle::apply(this);
     // Every link click must reach the plugin: attachment links are downloads, not places to go.
     m_issueMessages->setOpenExternalLinks(false);
     m_issueMessages->setOpenLinks(false);
-    QWidget* threadViewport = m_issueMessages->viewport();
-    QPalette threadPalette = threadViewport->palette();
-    threadPalette.setColor(QPalette::Base, CVantrelApp::GetColor(kPageBackgroundColor));
-    threadViewport->setPalette(threadPalette);
     connect(m_issueMessages, &QTextBrowser::anchorClicked, this, &CNewsReaderPlugin::onThreadAnchorClicked);
 
     createNewsView(m_newsStack);
 
-    styleControl(CControlLookup::find<QLabel>(this, QStringLiteral("noNewsLabel")), kHeadlinePointSize,
-                 kDemiBoldWeight, QPalette::Text, kPlaceholderColor);
-    styleControl(CControlLookup::find<QLabel>(this, QStringLiteral("pendingMessageLabel")),
-                 kPlaceholderPointSize, kNormalWeight, QPalette::Text, kPlaceholderColor);
     auto* writeUsLabel = CControlLookup::find<QLabel>(this, QStringLiteral("writeUsLabel"));
-    styleControl(writeUsLabel, kPlaceholderPointSize, kNormalWeight);
     // Hosts on Zendesk take support requests elsewhere, so the page offers no way to start one.
     if (ConfigurableObjects::isAllowed(QStringLiteral("allowUseIncidents")) &&
         !ConfigurableObjects::isAllowed(QStringLiteral("useZendeskTickets")))
         connect(writeUsLabel, &QLabel::linkActivated, this, &CNewsReaderPlugin::onWriteUsLinkActivated);
     else
         writeUsLabel->setText(QString());
-
-    styleControl(CControlLookup::find<QLabel>(this, QStringLiteral("issueTitle")), kTitlePointSize,
-                 kBoldWeight, QPalette::Text, kTitleColor);
-    styleControl(CControlLookup::find<QLabel>(this, QStringLiteral("issueState")), kTitlePointSize,
-                 kBoldWeight, QPalette::Text, kTitleColor);
-    styleControl(CControlLookup::find<QToolButton>(this, QStringLiteral("issueStateButton")), kTitlePointSize,
-                 kBoldWeight, QPalette::ButtonText, kTitleColor);
 
     setupConversation();
 
@@ -382,34 +315,7 @@ QWidget* CNewsReaderPlugin::createEmptyListWidget()
     if (m_communicationModel->rowCount() != 0)
         return nullptr;
 
-    auto* widget = new QWidget();
-    auto* layout = new QVBoxLayout(widget);
-    layout->setContentsMargins(kEmptyListMargin, kEmptyListMargin, kEmptyListMargin, kEmptyListMargin);
-    layout->setSpacing(0);
-    layout->addStretch();
-
-    auto* icon = new CIconControl(widget);
-    icon->setMinimumSize(kEmptyListIconSize, kEmptyListIconSize);
-    icon->setIconSize(QSize(kEmptyListIconSize, kEmptyListIconSize));
-    icon->setIcon(qtHelpers::images::icon(QString::fromLatin1(kIconNoNews)));
-    auto* fade = new QGraphicsOpacityEffect(icon);
-    fade->setOpacity(kEmptyListIconOpacity);
-    icon->setGraphicsEffect(fade);
-    layout->addWidget(icon);
-
-    auto* label = new QLabel(QObject::tr("No communications received yet"), widget);
-    label->setWordWrap(true);
-    label->setAlignment(Qt::AlignCenter);
-    QFont font = label->font();
-    font.setPointSize(kEmptyListTextPointSize);
-    font.setWeight(QFont::Normal);
-    label->setFont(font);
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, getPaletteColor(clrPlaceholderText));
-    label->setPalette(palette);
-    layout->addWidget(label);
-    layout->addStretch();
-    return widget;
+    return new CEmptyListWidget(QString::fromLatin1(kIconNoNews));
 }
 
 void CNewsReaderPlugin::restoreSelection()
@@ -440,13 +346,8 @@ QString CNewsReaderPlugin::getTranslationName() const
 
 QString CNewsReaderPlugin::getTooltip() const
 {
-    if (m_newsFetcher) {
-        auto entries = m_newsFetcher->getNewsList(CNewsFetcher::NewsListFilter::fromInt(kFilterUrgentUnread));
-        if (entries.empty())
-            entries = m_newsFetcher->getNewsList(CNewsFetcher::NewsListFilter::fromInt(kFilterUnread));
-        if (!entries.empty() && entries.back())
-            return entries.back()->title;
-    }
+    if (const Messenger::MessageEntryPtr entry = m_notice.tooltipEntry())
+        return entry->title;
     return CAbstractKolPlugin::getTooltip();
 }
 
@@ -589,7 +490,7 @@ void CNewsReaderPlugin::onSyncViewRequest()
 {
     m_communicationModel->populate();
     chooseRightHandPageWhenIdle();
-    if (!fetcherHasAny(kFilterUrgentUnread) && !showNewsSetting())
+    if (!m_notice.hasUrgent() && !m_notice.showNewsSetting())
         emit stopPluginAnimation(this);
     refreshIcon(false);
 }
@@ -658,16 +559,8 @@ void CNewsReaderPlugin::onApplicationEvent(QEvent* event)
 
 void CNewsReaderPlugin::refreshIcon(bool allowAnimation)
 {
-    QString name = QString::fromLatin1(kIconNoNews);
     bool notice = false;
-    if (fetcherHasAny(kFilterUrgentUnread)) {
-        name = QString::fromLatin1(kIconUrgentNews);
-        notice = true;
-    } else if (fetcherHasAny(kFilterUnreadWithIssues) ||
-               (fetcherHasAny(kFilterUnread) && showNewsSetting())) {
-        name = QString::fromLatin1(kIconNews);
-        notice = true;
-    }
+    const QString name = m_notice.iconName(&notice);
     if (name != m_pluginIconName) {
         m_pluginIconName = name;
         m_pluginIcon = qtHelpers::images::icon(name);
@@ -685,23 +578,8 @@ void CNewsReaderPlugin::refreshIcon(bool allowAnimation)
 
 void CNewsReaderPlugin::runAttentionRule()
 {
-    if (fetcherHasAny(kFilterUrgentUnread))
-        emit beginPluginAnimation(this, kAnimationUrgent);
-    else if (showNewsSetting() && fetcherHasAny(kFilterUnread))
-        emit beginPluginAnimation(this, kAnimationNews);
-}
-
-bool CNewsReaderPlugin::showNewsSetting() const
-{
-    QVariant value;
-    if (vantrelApp && vantrelApp->getSettingsInstance().Read(kShowNewsSetting, &value))
-        return value.toBool();
-    return true;
-}
-
-bool CNewsReaderPlugin::fetcherHasAny(unsigned filter) const
-{
-    return m_newsFetcher && m_newsFetcher->hasAny(CNewsFetcher::NewsListFilter::fromInt(filter));
+    if (const std::optional<int> mode = m_notice.attentionMode())
+        emit beginPluginAnimation(this, *mode);
 }
 
 void CNewsReaderPlugin::selectItem(const QModelIndex& index)
@@ -810,15 +688,12 @@ void CNewsReaderPlugin::chooseRightHandPage(bool expanding)
 void CNewsReaderPlugin::showUrgentToast()
 {
     // The first population runs inside the constructor, before the host listens: a toast then would be lost.
-    if (m_toastShown || !m_newsFetcher ||
-        !isSignalConnected(QMetaMethod::fromSignal(&CAbstractKolPlugin::pluginToastRequest)))
+    if (m_toastShown || !isSignalConnected(QMetaMethod::fromSignal(&CAbstractKolPlugin::pluginToastRequest)))
         return;
-    const auto urgent =
-        m_newsFetcher->getNewsList(CNewsFetcher::NewsListFilter::fromInt(kFilterUrgentUnread));
-    if (urgent.empty() || !urgent.back())
+    const Messenger::MessageEntryPtr entry = m_notice.newestUrgent();
+    if (!entry)
         return;
     // The summary, not the entry's page: the toast is plain rich text of a few words.
-    const Messenger::MessageEntryPtr& entry = urgent.back();
     emit pluginToastRequest(this, kToastText.arg(entry->title, entry->subtitle), SLOT(onToastClicked()),
                             QMessageBox::NoIcon, kToastTimeout);
     m_toastShown = true;

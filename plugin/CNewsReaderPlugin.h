@@ -10,6 +10,7 @@
 #include "CFilePreviewManager.h"
 #include "CIncidentCommunication.h"
 #include "CMessageItemsDocument.h"
+#include "CNewsNotice.h"
 #include "EntityDto.h"
 #include "MessageEntry.h"
 #include "TypingViewModel.h"
@@ -42,18 +43,10 @@ public:
     static constexpr const char* kIconNews = "ico-plugin-news";
     static constexpr const char* kIconUrgentNews = "ico-plugin-urgent-news";
 
-    // News filters (host bits): urgent unread news, unread news, unread news together with conversations.
-    static constexpr unsigned kFilterUrgentUnread = 17;
-    static constexpr unsigned kFilterUnread = 16;
-    static constexpr unsigned kFilterUnreadWithIssues = 80;
-
     // The new conversation dialog is a dialog window, modal to the host's main window.
     static constexpr int kDialogWindowFlags = 3;
     static constexpr int kDialogModality = 1;
 
-    // Attention animation modes of the host.
-    static constexpr int kAnimationUrgent = -1;
-    static constexpr int kAnimationNews = 2;
     // How often the task-bar button flashes when news arrive while the host is in the background.
     static constexpr unsigned kFlashCount = 10;
 
@@ -126,8 +119,6 @@ private:
     void connectNewsFetcher();
     void refreshIcon(bool allowAnimation);
     void runAttentionRule();
-    bool showNewsSetting() const;
-    bool fetcherHasAny(unsigned filter) const;
     void onProgressTimeout();
     void onNewIncidentCreated(const EntityDto::EntityDto& ticket);
     // The can-send rule and whether the shown conversation takes messages, announced to the buttons.
@@ -172,6 +163,7 @@ private:
     TypingViewModel m_typingViewModel;
     std::shared_ptr<CNewsFetcher> m_newsFetcher;
     std::shared_ptr<CCommunicationObjectModel> m_communicationModel;
+    CNewsNotice m_notice;
     QPointer<QStackedWidget> m_stackedWidget;
     QPointer<QStackedWidget> m_inputAreaStack;
     QPointer<QStackedWidget> m_newsStack;
