@@ -145,6 +145,7 @@ void CMessageItemsDocument::addFixedResources()
 void CMessageItemsDocument::clear()
 {
     m_register.reset();
+    m_versions.clear();
     QTextDocument::clear();
     addFixedResources();
 }
@@ -283,11 +284,8 @@ CMessageItemIndex CMessageItemsDocument::insertMessage(const CIncidentCommunicat
     cursor.endEditBlock();
 
     CMessageItemIndex result{table, message};
-    if (registerIt && table && !message.id.isEmpty()) {
-        if (!m_register)
-            m_register.emplace();
-        m_register->insert(message.id, result);
-    }
+    if (registerIt && table && !message.id.isEmpty())
+        registerMessage(result);
     emit contentsChanged();
     return result;
 }
@@ -466,8 +464,7 @@ void CMessageItemsDocument::removeMessage(const CMessageItemIndex& index)
     cursor.movePosition(QTextCursor::PreviousCharacter);
     cursor.setPosition(index.frame->lastPosition(), QTextCursor::KeepAnchor);
     cursor.deleteChar();
-    if (m_register)
-        m_register->remove(index.message.id);
+    unregisterMessage(index.message.id);
 }
 
 CMessageItemIndex CMessageItemsDocument::messageIndex(const QString& id) const
@@ -481,11 +478,36 @@ CMessageItemIndex CMessageItemsDocument::findOlderVersion(const CIncidentCommuni
 {
     if (!m_register)
         return {};
-    for (const CMessageItemIndex& index : *m_register) {
-        if (index.message.versionKey == message.versionKey && index.message.editVersion < message.editVersion)
+    for (auto it = m_versions.constFind(message.versionKey);
+         it != m_versions.cend() && it.key() == message.versionKey; ++it) {
+        const CMessageItemIndex index = m_register->value(it.value());
+        if (index.message.editVersion < message.editVersion)
             return index;
     }
     return {};
+}
+
+void CMessageItemsDocument::registerMessage(const CMessageItemIndex& index)
+{
+    if (!m_register)
+        m_register.emplace();
+    const QString& id = index.message.id;
+    const auto previous = m_register->constFind(id);
+    if (previous != m_register->cend())
+        m_versions.remove(previous->message.versionKey, id);
+    m_register->insert(id, index);
+    m_versions.insert(index.message.versionKey, id);
+}
+
+void CMessageItemsDocument::unregisterMessage(const QString& id)
+{
+    if (!m_register)
+        return;
+    const auto found = m_register->constFind(id);
+    if (found == m_register->cend())
+        return;
+    m_versions.remove(found->message.versionKey, id);
+    m_register->erase(found);
 }
 
 void CMessageItemsDocument::updatePartyNames(std::function<WatcherAliases(const QString& authorId)> aliasesOf)
@@ -510,7 +532,7 @@ void CMessageItemsDocument::updatePartyNames(std::function<WatcherAliases(const 
     }
     for (const CMessageItemIndex& index : std::as_const(renewed)) {
         if (index.isValid() && !index.message.id.isEmpty())
-            m_register->insert(index.message.id, index);
+            registerMessage(index);
     }
     aliasesOf = nullptr;
 }

@@ -99,5 +99,11 @@ private:
     QTextBlock findAttachmentIconBlock(const QString& attachmentId) const;
     QTextTable* findAttachmentTable(const CMessageItemIndex& index, const QString& attachmentId) const;
 
+    // Adds to or drops from the register, keeping the version index in step.
+    void registerMessage(const CMessageItemIndex& index);
+    void unregisterMessage(const QString& id);
+
     std::optional<QHash<QString, CMessageItemIndex>> m_register;
+    // Registered ids by version key, so that an older version is found without a walk over the thread.
+    QMultiHash<QString, QString> m_versions;
 };
