@@ -104,6 +104,23 @@
         <translation>Bitte geben Sie eine Nachricht ein, um den Chat mit dem Support zu beginnen.</translation>
     </message>
     <message>
+        <source>The message could not be sent. Please try again later.</source>
+        <translation>Die Nachricht konnte nicht gesendet werden. Bitte versuchen Sie es später erneut.</translation>
+    </message>
+    <message>
+        <source>%1 %2</source>
+        <comment>Name formatting rules, first argument for the firstName, second - for the lastName</comment>
+        <translation>%1 %2</translation>
+    </message>
+    <message>
+        <source>The following files cannot be used as attachments: %1. Attachment name can&apos;t contain any of the following characters: %2</source>
+        <translation>Die folgenden Dateien können nicht als Anhänge verwendet werden: %1. Der Name eines Anhangs darf keines der folgenden Zeichen enthalten: %2</translation>
+    </message>
+    <message>
+        <source>Cannot send the message: attached files summary size is too large.</source>
+        <translation>Die Nachricht kann nicht gesendet werden: Die angehängten Dateien sind zusammen zu groß.</translation>
+    </message>
+    <message>
         <source>The message is too long, please make it shorter.</source>
         <translation>Die Nachricht ist zu lang, bitte kürzen Sie sie.</translation>
     </message>
