@@ -104,14 +104,16 @@ private slots:
         QTRY_VERIFY(screen.canSend());
         QCOMPARE(screen.threadText().count(QStringLiteral("that helped")), 1);
         const QList<QJsonObject> stored = HostControl::threadMessages(kPrinter);
-        QVERIFY(stored.last().value(QStringLiteral("text")).toString().contains(QStringLiteral("*that* helped")));
+        QVERIFY(
+            stored.last().value(QStringLiteral("text")).toString().contains(QStringLiteral("*that* helped")));
     }
 
     void checksNamesAndLengthBeforeAnythingLeaves()
     {
         ConversationScreen screen;
         QVERIFY(screen.open(kPrinter));
-        auto* attachments = qobject_cast<CAttachmentsModel*>(screen.control<QListView>("attachmentsList")->model());
+        auto* attachments =
+            qobject_cast<CAttachmentsModel*>(screen.control<QListView>("attachmentsList")->model());
         QTemporaryDir dir;
         const QString badFile = dir.filePath(QStringLiteral("report=final.txt"));
         QFile file(badFile);
@@ -124,9 +126,10 @@ private slots:
         QVERIFY(screen.canSend());
         screen.plugin->onSendMessageClicked();
         QCOMPARE(balloons().size(), 1);
-        QCOMPARE(balloons().first().details.value(QStringLiteral("text")).toString(),
-                 QStringLiteral("The following files cannot be used as attachments: report=final.txt. Attachment "
-                                "name can't contain any of the following characters: [<>:\"/\\\\|?*%=]"));
+        QCOMPARE(
+            balloons().first().details.value(QStringLiteral("text")).toString(),
+            QStringLiteral("The following files cannot be used as attachments: report=final.txt. Attachment "
+                           "name can't contain any of the following characters: [<>:\"/\\\\|?*%=]"));
         QCOMPARE(attachments->rowCount(), 1);
 
         // Too long a text stays in the composer.
@@ -177,7 +180,8 @@ private slots:
         ConversationScreen screen;
         QVERIFY(screen.open(kPrinter));
         HostControl::clearEvents();
-        HostControl::failNextRequest(QStringLiteral("/communications"), status, QStringLiteral("Internal trouble"));
+        HostControl::failNextRequest(QStringLiteral("/communications"), status,
+                                     QStringLiteral("Internal trouble"));
         screen.type(QStringLiteral("Will this arrive?"));
         screen.plugin->onSendMessageClicked();
         QTRY_COMPARE(lastDeliveryMark(screen.document()), CMessageItemsDocument::DeliveryFailedImage);
