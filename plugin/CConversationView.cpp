@@ -196,9 +196,9 @@ void CConversationView::onMessagesLoaded(const EntityDto::EntityDto& ticket,
         return;
     QList<Incoming> records;
     records.reserve(entities.size() + 1);
-    records.append({m_fetcher->ticketEntityToMessageInfo(ticket), false});
+    records.append({m_fetcher->ticketEntityToMessageInfo(ticket), false, true});
     for (const EntityDto::EntityDto& entity : entities)
-        records.append({m_fetcher->communicationEntityToMessageInfo(entity), false});
+        records.append({m_fetcher->communicationEntityToMessageInfo(entity), false, true});
     // Live updates that arrived while the answer was on its way are older than it.
     m_incoming.clear();
     applyMessages(records);
@@ -229,6 +229,20 @@ void CConversationView::setBusy(bool busy)
     m_progress->update();
 }
 
+// True when a message shown from `shown` would look the same shown from `record`: reloading a long thread
+// then touches only what changed.
+bool CConversationView::showsSame(const CIncidentCommunication& shown, const CIncidentCommunication& record)
+{
+    const auto sameAttachment = [](const CIncidentAttachment& a, const CIncidentAttachment& b) {
+        return a.id == b.id && a.fileName == b.fileName && a.size == b.size && a.noLink == b.noLink;
+    };
+    return shown.editVersion == record.editVersion && shown.deleted == record.deleted && shown.text == record.text
+           && shown.senderName == record.senderName && shown.fromOtherParty == record.fromOtherParty
+           && shown.time == record.time
+           && std::equal(shown.attachments.cbegin(), shown.attachments.cend(), record.attachments.cbegin(),
+                         record.attachments.cend(), sameAttachment);
+}
+
 void CConversationView::applyMessages(const QList<Incoming>& records)
 {
     // One edit block around the whole batch: the document is laid out once, not once per message.
@@ -243,6 +257,8 @@ void CConversationView::applyMessages(const QList<Incoming>& records)
                 shown.append(m_document.replaceMessage(existing, record));
             continue;
         }
+        if (incoming.fetched && existing.isValid() && showsSame(existing.message, record))
+            continue;
         if (!existing.isValid() && !record.id.isEmpty())
             existing = m_document.findOlderVersion(record);
         const CMessageItemIndex index = existing.isValid() ? m_document.replaceMessage(existing, record)

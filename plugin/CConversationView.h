@@ -104,6 +104,7 @@ private:
     {
         CIncidentCommunication record;
         bool deletion = false;
+        bool fetched = false; // part of a thread (re)load: a message already shown as it is stays put
     };
 
     void loadThread(const QModelIndex& index);
@@ -114,6 +115,7 @@ private:
     void applyMessages(const QList<Incoming>& records);
     void flushIncoming();
     bool isCurrentThread(const QString& threadId) const;
+    static bool showsSame(const CIncidentCommunication& shown, const CIncidentCommunication& record);
 
     CMessageItemsDocument& m_document;
     TypingViewModel& m_typing;

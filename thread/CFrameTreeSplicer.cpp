@@ -31,8 +31,14 @@ QTextFramePrivate* privateOf(QTextFrame* frame)
 
 CFrameTreeSplicer::CFrameTreeSplicer(QTextDocument* document)
     : m_document(QTextDocumentPrivate::get(document))
-    , m_usable(!m_document->isInEditBlock() && !(m_document->*framesDirtyFlag()))
+    , m_usable(!(m_document->*framesDirtyFlag()))
 {}
+
+void CFrameTreeSplicer::detached()
+{
+    if (m_usable)
+        m_document->*framesDirtyFlag() = false;
+}
 
 void CFrameTreeSplicer::link(QTextFrame* child, QTextFrame* parent)
 {

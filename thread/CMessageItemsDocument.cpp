@@ -463,7 +463,11 @@ void CMessageItemsDocument::removeMessage(const CMessageItemIndex& index)
     QTextCursor cursor = index.frame->firstCursorPosition();
     cursor.movePosition(QTextCursor::PreviousCharacter);
     cursor.setPosition(index.frame->lastPosition(), QTextCursor::KeepAnchor);
+    CFrameTreeSplicer frameTree(this);
+    cursor.beginEditBlock();
     cursor.deleteChar();
+    frameTree.detached();
+    cursor.endEditBlock();
     unregisterMessage(index.message.id);
 }
 

@@ -5,7 +5,7 @@
 //   update    one received message (new, then a new version of it) on threads of 50, 1,500 and 5,000
 //             messages: the time per update should not grow with the thread;
 //   burst     1,000 messages received within one second: the longest gap between two ticks of a 16 ms timer.
-//   bench_conversation [runs]
+//   bench_conversation [runs] [open|update|burst]
 
 #include "CCommunicationObjectModel.h"
 #include "CMessageItemsDocument.h"
@@ -276,6 +276,8 @@ int main(int argc, char** argv)
     HostControl::setCanUseWebEngine(false);
     HostControl::loadDefaultScenario();
     const int runs = argc > 1 ? std::max(1, QString::fromLocal8Bit(argv[1]).toInt()) : kDefaultRuns;
+    const QString only = argc > 2 ? QString::fromLocal8Bit(argv[2]) : QString();
+    const auto wanted = [&only](const char* part) { return only.isEmpty() || only == QLatin1String(part); };
     QTextStream out(stdout);
 
     const QList<int> sizes = {50, 1500, 5000};
@@ -284,27 +286,32 @@ int main(int argc, char** argv)
     (void)QTest::qWaitFor([] { return vantrelApp->getNewsFetcher()->hasAny(CNewsFetcher::FilterIssues); });
     QTest::qWait(100);
 
-    const QString open = QStringLiteral("gen-1500");
-    const QList<CIncidentCommunication> records = recordsOf(open);
-    std::vector<qint64> plugin, direct;
-    for (int run = 0; run < runs; ++run) {
-        direct.push_back(openDirectly(records));
-        plugin.push_back(openThroughPlugin(open, 1500));
-    }
-    out << "open 1500 messages: plugin " << ms(median(plugin)) << ", direct build and paint "
-        << ms(median(direct)) << ", ratio "
-        << QString::number(double(median(plugin)) / double(median(direct)), 'f', 2) << "\n";
-    out.flush();
-
-    QList<qint64> perSize;
-    for (int size : sizes) {
-        perSize << perUpdate(QStringLiteral("gen-%1").arg(size), size, 15);
-        out << "received message on " << size << " messages: " << ms(perSize.last()) << " per update\n";
+    if (wanted("open")) {
+        const QString open = QStringLiteral("gen-1500");
+        const QList<CIncidentCommunication> records = recordsOf(open);
+        std::vector<qint64> plugin, direct;
+        for (int run = 0; run < runs; ++run) {
+            direct.push_back(openDirectly(records));
+            plugin.push_back(openThroughPlugin(open, 1500));
+        }
+        out << "open 1500 messages: plugin " << ms(median(plugin)) << ", direct build and paint "
+            << ms(median(direct)) << ", ratio "
+            << QString::number(double(median(plugin)) / double(median(direct)), 'f', 2) << "\n";
         out.flush();
     }
-    out << "per-update ratio 5000/50: "
-        << QString::number(double(perSize.last()) / double(perSize.first()), 'f', 2) << "\n";
-    out << "burst of 1000 on 1500 messages: longest gap between 16 ms ticks "
-        << ms(burstLongestGap(QStringLiteral("gen-1500"), 1500)) << "\n";
+    if (wanted("update")) {
+        QList<qint64> perSize;
+        for (int size : sizes) {
+            perSize << perUpdate(QStringLiteral("gen-%1").arg(size), size, 15);
+            out << "received message on " << size << " messages: " << ms(perSize.last()) << " per update\n";
+            out.flush();
+        }
+        out << "per-update ratio 5000/50: "
+            << QString::number(double(perSize.last()) / double(perSize.first()), 'f', 2) << "\n";
+    }
+    if (wanted("burst")) {
+        out << "burst of 1000 on 1500 messages: longest gap between 16 ms ticks "
+            << ms(burstLongestGap(QStringLiteral("gen-1500"), 1500)) << "\n";
+    }
     return 0;
 }

@@ -124,16 +124,20 @@ void setConversationState(const QString& conversationId, const QString& stateKey
 QString postMessage(const QString& conversationId, const QString& text, const QString& senderId,
                     const QList<QJsonObject>& attachments)
 {
-    ServerData data = server().data();
     QList<ServerData::Attachment> files;
-    for (const QJsonObject& json : attachments) {
-        QString id;
-        QString error;
-        if (!ScenarioCodec::readAttachment(json, data, &id, &error)) {
-            qWarning("HostControl::postMessage: %s", qPrintable(error));
-            return {};
+    if (!attachments.isEmpty()) {
+        // A scratch copy that gives the attachments unique ids; it is gone before the server changes, so the
+        // server's own data never has to be copied.
+        ServerData data = server().data();
+        for (const QJsonObject& json : attachments) {
+            QString id;
+            QString error;
+            if (!ScenarioCodec::readAttachment(json, data, &id, &error)) {
+                qWarning("HostControl::postMessage: %s", qPrintable(error));
+                return {};
+            }
+            files.append(data.attachments.value(id));
         }
-        files.append(data.attachments.value(id));
     }
     return server().postMessage(conversationId, text, senderId, files);
 }

@@ -91,6 +91,13 @@ private slots:
         fill(doc, 20);
         doc.replaceMessage(doc.messageIndex("m4"), message(4));
         doc.appendMessage(message(99));
+        // Several changes in one edit block, as live updates arrive.
+        QTextCursor batch(&doc);
+        batch.beginEditBlock();
+        doc.removeMessage(doc.messageIndex("m9"));
+        doc.appendMessage(message(100));
+        doc.replaceMessage(doc.messageIndex("m5"), message(5));
+        batch.endEditBlock();
         const QStringList built = frameTree(doc.rootFrame());
         QCOMPARE(doc.rootFrame()->childFrames().size(), 21);
 

@@ -73,10 +73,14 @@ struct CNewsFetcher::Private
     // changes.
     QHash<QString, bool> serverRead;
     int generation = -1;
+    // Conversations with messages posted since the list was last brought up to date; a burst of posts costs
+    // one refresh per turn of the event loop, not one per message.
+    QStringList postedTo;
 
     SimulatedServer& server() const { return SimulatedServer::instance(); }
     std::shared_ptr<Messenger::MessageEntry> obtain(const QString& id, bool* created);
     void refresh();
+    void refreshAfterPost(const QString& conversationId);
     void fillConversation(Messenger::MessageEntry& entry, const EntityDto::EntityDto& ticket,
                           const QString& state);
     bool matches(const QString& id, QFlags<NewsListFilterFlag> filter, const QDateTime& now) const;
@@ -244,6 +248,20 @@ void CNewsFetcher::Private::request(const QByteArray& verb, const QString& path,
     handler->start(verb, path);
 }
 
+void CNewsFetcher::Private::refreshAfterPost(const QString& conversationId)
+{
+    if (postedTo.isEmpty()) {
+        QTimer::singleShot(0, q, [this] {
+            refresh();
+            for (const QString& id : std::exchange(postedTo, {}))
+                emit q->gotNewMessagesForIssue(id);
+            emit q->newsChanged();
+        });
+    }
+    if (!postedTo.contains(conversationId))
+        postedTo.append(conversationId);
+}
+
 CNewsFetcher::CNewsFetcher(QObject* parent)
     : QObject(parent)
     , d(std::make_unique<Private>())
@@ -259,10 +277,8 @@ CNewsFetcher::CNewsFetcher(QObject* parent)
     connect(server, &SimulatedServer::syncViewsRequested, this, &CNewsFetcher::syncViewsRequest);
     connect(server, &SimulatedServer::communicationPosted, this,
             [this](const EntityDto::EntityDto& message, const QString& conversationId) {
-                d->refresh();
                 emit communicationReceived(communicationEntityToMessageInfo(message));
-                emit gotNewMessagesForIssue(conversationId);
-                emit newsChanged();
+                d->refreshAfterPost(conversationId);
             });
     connect(server, &SimulatedServer::communicationRemoved, this,
             [this](const EntityDto::EntityDto& message, const QString&) {

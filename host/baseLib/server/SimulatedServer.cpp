@@ -214,9 +214,12 @@ QList<const ServerData::Message*> SimulatedServer::threadMessages(const QString&
 QDateTime SimulatedServer::lastActivity(const ServerData::Conversation& conversation) const
 {
     QDateTime last = conversation.created;
-    for (const ServerData::Message* message : threadMessages(conversation.threadId, false)) {
-        if (message->time > last)
-            last = message->time;
+    if (conversation.threadId.isEmpty())
+        return last;
+    for (const ServerData::Message& message : m_data.messages) {
+        if (message.threadId == conversation.threadId && !message.superseded && !message.isDraft
+            && message.time > last)
+            last = message.time;
     }
     return last;
 }
