@@ -201,7 +201,16 @@ void CConversationView::onMessagesLoaded(const EntityDto::EntityDto& ticket,
         records.append({m_fetcher->communicationEntityToMessageInfo(entity), false, true});
     // Live updates that arrived while the answer was on its way are older than it.
     m_incoming.clear();
+    // A thread that starts empty is filled without a width, as a document no view shows yet: it is laid out
+    // once, lazily, when the view asks for it (the page holding the view may still be hidden, with a width
+    // that changes as soon as it shows).
+    const bool fresh = m_document.rootFrame()->childFrames().isEmpty();
+    const qreal width = m_document.textWidth();
+    if (fresh)
+        m_document.setTextWidth(-1);
     applyMessages(records);
+    if (fresh)
+        m_document.setTextWidth(width);
     qtHelpers::invokeOnIdle(this, [this] { scrollToEnd(); });
     emit threadLoaded(m_threadId);
 }
@@ -236,11 +245,11 @@ bool CConversationView::showsSame(const CIncidentCommunication& shown, const CIn
     const auto sameAttachment = [](const CIncidentAttachment& a, const CIncidentAttachment& b) {
         return a.id == b.id && a.fileName == b.fileName && a.size == b.size && a.noLink == b.noLink;
     };
-    return shown.editVersion == record.editVersion && shown.deleted == record.deleted && shown.text == record.text
-           && shown.senderName == record.senderName && shown.fromOtherParty == record.fromOtherParty
-           && shown.time == record.time
-           && std::equal(shown.attachments.cbegin(), shown.attachments.cend(), record.attachments.cbegin(),
-                         record.attachments.cend(), sameAttachment);
+    return shown.editVersion == record.editVersion && shown.deleted == record.deleted &&
+           shown.text == record.text && shown.senderName == record.senderName &&
+           shown.fromOtherParty == record.fromOtherParty && shown.time == record.time &&
+           std::equal(shown.attachments.cbegin(), shown.attachments.cend(), record.attachments.cbegin(),
+                      record.attachments.cend(), sameAttachment);
 }
 
 void CConversationView::applyMessages(const QList<Incoming>& records)

@@ -217,8 +217,8 @@ QDateTime SimulatedServer::lastActivity(const ServerData::Conversation& conversa
     if (conversation.threadId.isEmpty())
         return last;
     for (const ServerData::Message& message : m_data.messages) {
-        if (message.threadId == conversation.threadId && !message.superseded && !message.isDraft
-            && message.time > last)
+        if (message.threadId == conversation.threadId && !message.superseded && !message.isDraft &&
+            message.time > last)
             last = message.time;
     }
     return last;
