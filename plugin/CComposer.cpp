@@ -2,6 +2,7 @@
 
 #include "CAttachmentItemDelegate.h"
 #include "CAttachmentsModel.h"
+#include "CControlLookup.h"
 #include "ChatServiceApi.h"
 #include "QtHelpersImages.h"
 #include "RichTextInputWrapper.h"
@@ -23,6 +24,18 @@
 #include <cmath>
 
 const QString CComposer::kPlaceholder = QStringLiteral("Write a message");
+
+CComposer::Controls CComposer::Controls::find(const CViewModelBase* viewModel)
+{
+    Controls controls;
+    controls.editor = CControlLookup::find<QTextEdit>(viewModel, QStringLiteral("messageEditor"));
+    controls.toolbar = CControlLookup::find<QWidget>(viewModel, QStringLiteral("richTextToolbar"));
+    controls.attachmentsList = CControlLookup::find<QListView>(viewModel, QStringLiteral("attachmentsList"));
+    controls.counter = CControlLookup::find<QLabel>(viewModel, QStringLiteral("charsTypedLabel"));
+    controls.sendButton = CControlLookup::find<QToolButton>(viewModel, QStringLiteral("sendButton"));
+    controls.addAttachment = CControlLookup::find<QToolButton>(viewModel, QStringLiteral("addAttachment"));
+    return controls;
+}
 
 CComposer::CComposer(const Controls& controls, CAttachmentsModel& attachments, QObject* parent)
     : QObject(parent)

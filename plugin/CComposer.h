@@ -9,6 +9,7 @@
 #include <QPointer>
 
 class CAttachmentsModel;
+class CViewModelBase;
 class QEvent;
 class QKeyEvent;
 class QLabel;
@@ -30,6 +31,9 @@ public:
         QLabel* counter = nullptr;
         QToolButton* sendButton = nullptr;
         QToolButton* addAttachment = nullptr;
+
+        // The composer's controls in the main screen's loaded form.
+        static Controls find(const CViewModelBase* viewModel);
     };
 
     // The placeholder whose three lines are the composer's least height.

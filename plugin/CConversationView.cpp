@@ -3,6 +3,7 @@
 #include "CAttachmentsModel.h"
 #include "CCommunicationObjectModel.h"
 #include "CComposer.h"
+#include "CControlLookup.h"
 #include "CMessageItemsDocument.h"
 #include "CNewsFetcher.h"
 #include "CVantrelApp.h"
@@ -41,6 +42,20 @@ QString stateDisplayName(const QString& stateKey)
 }
 
 } // namespace
+
+CConversationView::Controls CConversationView::Controls::find(const CViewModelBase* viewModel)
+{
+    Controls controls;
+    controls.thread = CControlLookup::find<QTextBrowser>(viewModel, QStringLiteral("issueMessages"));
+    controls.progress = CControlLookup::find<QProgressBar>(viewModel, QStringLiteral("messagesProgress"));
+    controls.inputArea = CControlLookup::find<QWidget>(viewModel, QStringLiteral("inputAreaFrame"));
+    controls.typing = CControlLookup::find<QLabel>(viewModel, QStringLiteral("typingLabel"));
+    controls.title = CControlLookup::find<QLabel>(viewModel, QStringLiteral("issueTitle"));
+    controls.state = CControlLookup::find<QLabel>(viewModel, QStringLiteral("issueState"));
+    controls.stateButton = CControlLookup::find<QToolButton>(viewModel, QStringLiteral("issueStateButton"));
+    controls.createDate = CControlLookup::find<QLabel>(viewModel, QStringLiteral("issueCreateDate"));
+    return controls;
+}
 
 CConversationView::CConversationView(CMessageItemsDocument& document, TypingViewModel& typing,
                                      CAttachmentsModel& attachments, std::shared_ptr<CNewsFetcher> fetcher,

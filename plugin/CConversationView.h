@@ -23,6 +23,7 @@ class CCommunicationObjectModel;
 class CMessageItemsDocument;
 class CNewsFetcher;
 class CustomerEntitiesQueryVectorHandler;
+class CViewModelBase;
 class QLabel;
 class QProgressBar;
 class QTextBrowser;
@@ -44,6 +45,9 @@ public:
         QLabel* state = nullptr;
         QToolButton* stateButton = nullptr;
         QLabel* createDate = nullptr;
+
+        // The conversation's controls in the main screen's loaded form.
+        static Controls find(const CViewModelBase* viewModel);
     };
 
     // The composer state (model role) of a conversation that takes no more messages.

@@ -1,48 +1,31 @@
 #include "CNewsReaderPlugin.h"
 
-#include "CAttachmentItemDelegate.h"
 #include "CCommunicationObjectModel.h"
 #include "CComposer.h"
 #include "CControlLookup.h"
 #include "CConversationView.h"
 #include "CEmptyListWidget.h"
-#include "CIconControl.h"
 #include "CMainScreenStyle.h"
 #include "CMessageSender.h"
 #include "CNewIncidentDialog.h"
 #include "CNewsFetcher.h"
 #include "CNewsNotice.h"
 #include "CPluginItemDelegate.h"
-#include "CPropertyBag.h"
 #include "CReadNewsEntryRequest.h"
-#include "CSettingsLoader.h"
+#include "CRightHandPage.h"
 #include "CVantrelApp.h"
-#include "CVantrelWebPage.h"
-#include "ChatServiceApi.h"
 #include "ConfigurableObjects.h"
-#include "EntitySchemaDto.h"
-#include "HostColors.h"
 #include "HostWindows.h"
 #include "MetaTypes.h"
 #include "QtHelpersImages.h"
 #include "QtHelpersInvoke.h"
-#include "RichTextInputWrapper.h"
 
-#include <QGuiApplication>
 #include <QLabel>
-#include <QListView>
 #include <QMetaMethod>
-#include <QProgressBar>
 #include <QStackedWidget>
-#include <QStyle>
 #include <QTextBrowser>
-#include <QTextEdit>
 #include <QToolButton>
-#include <QWebEnginePage>
-#include <QWebEngineView>
 
-#include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -51,34 +34,13 @@ const QString kMainFormName = QStringLiteral("newsReader.mainScreen.ui");
 
 // The page shown when the progress timer expires.
 constexpr int kInputAreaWaitPage = 1;
-// Pages of "stackedWidget": the list is empty, a folder, a conversation without a thread yet, the selected
-// entry or conversation.
-constexpr int kEmptyListPage = 0;
-constexpr int kFolderPage = 1;
-constexpr int kNoThreadPage = 2;
-constexpr int kEntryPage = 3;
-// Pages of "newsStack": the conversation's thread, the news web view.
-constexpr int kThreadPage = 0;
-constexpr int kNewsViewPage = 1;
-// Pages of "noThreadStack": a conversation still waiting for its thread, and one that has waited a while.
-constexpr int kThreadOverduePage = 0;
-constexpr int kThreadPendingPage = 1;
-// The server gives a new conversation its thread within this time; until then the page says it is coming.
-constexpr qint64 kThreadPendingSeconds = 60;
 
 // The one toast about urgent news: the entry's title in bold over its summary.
 const QString kToastText = QStringLiteral("<b>%1</b><br/>%2");
 constexpr int kToastTimeout = -1;
 
-// Pages every stack of the main screen starts on.
+// The page the composer's stack starts on.
 constexpr int kFirstPage = 0;
-
-// A control of the loaded view that the plugin does not keep; null without a view or without the control.
-template<typename T>
-T* viewControl(QWidget* view, const char* name)
-{
-    return view ? view->findChild<T*>(QString::fromLatin1(name)) : nullptr;
-}
 
 } // namespace
 
@@ -166,9 +128,6 @@ QString CNewsReaderPlugin::getUiFormName() const
 
 void CNewsReaderPlugin::setupView()
 {
-    m_stackedWidget = CControlLookup::find<QStackedWidget>(this, QStringLiteral("stackedWidget"));
-    m_newsStack = CControlLookup::find<QStackedWidget>(this, QStringLiteral("newsStack"));
-
     m_issueMessages = CControlLookup::find<QTextBrowser>(this, QStringLiteral("issueMessages"));
     m_issueMessages->setDocument(&m_threadDocument);
     CMainScreenStyle::apply(this);
@@ -177,7 +136,8 @@ void CNewsReaderPlugin::setupView()
     m_issueMessages->setOpenLinks(false);
     connect(m_issueMessages, &QTextBrowser::anchorClicked, this, &CNewsReaderPlugin::onThreadAnchorClicked);
 
-    createNewsView(m_newsStack);
+    const bool newsView = vantrelApp && vantrelApp->getCanUseWebEngineWidgets() && !IsWindowsPE();
+    m_rightHandPage.attach(this, newsView, this, SLOT(onSetWebPageContentFinished(bool)));
 
     auto* writeUsLabel = CControlLookup::find<QLabel>(this, QStringLiteral("writeUsLabel"));
     // Hosts on Zendesk take support requests elsewhere, so the page offers no way to start one.
@@ -189,38 +149,15 @@ void CNewsReaderPlugin::setupView()
 
     setupConversation();
 
-    m_stackedWidget->setCurrentIndex(kFirstPage);
     m_inputAreaStack = CControlLookup::find<QStackedWidget>(this, QStringLiteral("inputAreaStack"));
     m_inputAreaStack->setCurrentIndex(kFirstPage);
 
     m_viewSetUp = true;
 }
 
-void CNewsReaderPlugin::createNewsView(QStackedWidget* newsStack)
-{
-    if (!vantrelApp || !vantrelApp->getCanUseWebEngineWidgets() || IsWindowsPE())
-        return;
-    auto* view = new QWebEngineView(newsStack);
-    connect(view, SIGNAL(loadFinished(bool)), this, SLOT(onSetWebPageContentFinished(bool)));
-    view->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
-    view->setContextMenuPolicy(Qt::NoContextMenu);
-    auto* page = new CVantrelWebPage(view);
-    // News entries link to offers and articles: those belong in the user's browser, not in the page.
-    page->setAlwaysOpenLinkInExternalBrowser(true);
-    view->setPage(page);
-    newsStack->addWidget(view);
-    m_newsView = view;
-}
-
 void CNewsReaderPlugin::setupConversation()
 {
-    CComposer::Controls composer;
-    composer.editor = CControlLookup::find<QTextEdit>(this, QStringLiteral("messageEditor"));
-    composer.toolbar = CControlLookup::find<QWidget>(this, QStringLiteral("richTextToolbar"));
-    composer.attachmentsList = CControlLookup::find<QListView>(this, QStringLiteral("attachmentsList"));
-    composer.counter = CControlLookup::find<QLabel>(this, QStringLiteral("charsTypedLabel"));
-    composer.sendButton = CControlLookup::find<QToolButton>(this, QStringLiteral("sendButton"));
-    composer.addAttachment = CControlLookup::find<QToolButton>(this, QStringLiteral("addAttachment"));
+    const CComposer::Controls composer = CComposer::Controls::find(this);
     m_composer = new CComposer(composer, m_attachmentsModel, composer.editor);
     connect(composer.sendButton, &QToolButton::clicked, this, &CNewsReaderPlugin::onSendMessageClicked);
     connect(this, &CNewsReaderPlugin::notifyCanSendMessage, composer.sendButton, &QWidget::setEnabled);
@@ -236,16 +173,7 @@ void CNewsReaderPlugin::setupConversation()
     composer.editor->installEventFilter(this);
     composer.attachmentsList->installEventFilter(this);
 
-    CConversationView::Controls conversation;
-    conversation.thread = m_issueMessages;
-    conversation.progress = CControlLookup::find<QProgressBar>(this, QStringLiteral("messagesProgress"));
-    conversation.inputArea = CControlLookup::find<QWidget>(this, QStringLiteral("inputAreaFrame"));
-    conversation.typing = CControlLookup::find<QLabel>(this, QStringLiteral("typingLabel"));
-    conversation.title = CControlLookup::find<QLabel>(this, QStringLiteral("issueTitle"));
-    conversation.state = CControlLookup::find<QLabel>(this, QStringLiteral("issueState"));
-    conversation.stateButton = CControlLookup::find<QToolButton>(this, QStringLiteral("issueStateButton"));
-    conversation.createDate = CControlLookup::find<QLabel>(this, QStringLiteral("issueCreateDate"));
-    m_conversationView->attach(conversation, m_composer);
+    m_conversationView->attach(CConversationView::Controls::find(this), m_composer);
     m_sender->attach(m_composer, m_conversationView);
 }
 
@@ -367,8 +295,7 @@ void CNewsReaderPlugin::onPluginItemActivated(const QModelIndex& index)
         return;
     if (index.data(CCommunicationObjectModel::ExpandedRole).toBool()) {
         emit listItemCollapseRequest(index);
-        if (m_stackedWidget)
-            m_stackedWidget->setCurrentIndex(kFolderPage);
+        m_rightHandPage.showFolderPage();
         return;
     }
     m_expanding = true;
@@ -421,9 +348,8 @@ void CNewsReaderPlugin::setCurrentIndex(const QModelIndex& index)
     if (index.isValid() && !folder) {
         markRead(index);
         showItem(index);
-    } else if (index.isValid() && m_newsView) {
-        // A folder has no page of its own in the web view: the last entry must not linger there.
-        m_newsView->page()->setUrl(QUrl());
+    } else if (index.isValid()) {
+        m_rightHandPage.clearNews();
     }
     if (m_currentIndex != index)
         m_currentIndex = index;
@@ -621,14 +547,11 @@ void CNewsReaderPlugin::showItem(const QModelIndex& index)
     const bool alreadyShown = conversation && index == m_conversationView->currentConversation();
     if (!alreadyShown)
         m_conversationView->reset();
-    if (!conversation && m_newsView)
-        m_newsView->page()->setHtml(index.data(CCommunicationObjectModel::ExtraTextRole).toString(), QUrl());
     if (alreadyShown)
         m_conversationView->showHeader(index, false);
     else if (conversation && m_viewSetUp)
         m_conversationView->show(index);
-    if (m_newsStack)
-        m_newsStack->setCurrentIndex(conversation ? kThreadPage : kNewsViewPage);
+    m_rightHandPage.showEntry(conversation, index.data(CCommunicationObjectModel::ExtraTextRole).toString());
 }
 
 void CNewsReaderPlugin::onCommunicationDataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight)
@@ -655,33 +578,15 @@ void CNewsReaderPlugin::chooseRightHandPageWhenIdle()
 
 void CNewsReaderPlugin::chooseRightHandPage(bool expanding)
 {
-    int page = kEmptyListPage;
     if (m_communicationModel->rowCount() == 0) {
         // The host owns the widget once shown; while it still has it, the same one is asked for again.
         if (!m_emptyListWidget)
             m_emptyListWidget = createEmptyListWidget();
         emit showEmptyListWidgetRequest(m_emptyListWidget);
-    } else if (!m_currentIndex.isValid()) {
-        return;
-    } else if (m_currentIndex.data(CCommunicationObjectModel::IsFolderRole).toBool()) {
-        // The plugin selects the folder's first entry right after expanding it; the folder page would flash.
-        if (expanding)
-            return;
-        page = kFolderPage;
-    } else if (!m_currentIndex.data(CCommunicationObjectModel::ConversationRole).toBool() ||
-               m_currentIndex.data(CCommunicationObjectModel::HasDefaultThreadRole).toBool()) {
-        page = kEntryPage;
-    } else {
-        page = kNoThreadPage;
-        const QDateTime created = m_currentIndex.data(CCommunicationObjectModel::FirstTimeRole).toDateTime();
-        const bool pending =
-            created.isValid() && created.secsTo(QDateTime::currentDateTimeUtc()) < kThreadPendingSeconds;
-        if (auto* noThreadStack = viewControl<QStackedWidget>(getViewWidget(), "noThreadStack"))
-            noThreadStack->setCurrentIndex(pending ? kThreadPendingPage : kThreadOverduePage);
     }
-    if (m_stackedWidget)
-        m_stackedWidget->setCurrentIndex(page);
-    if (page != kEmptyListPage && page != kNoThreadPage)
+    const std::optional<CRightHandPage::Page> page =
+        m_rightHandPage.choose(*m_communicationModel, m_currentIndex, expanding);
+    if (page && *page != CRightHandPage::EmptyListPage && *page != CRightHandPage::NoThreadPage)
         emit hideEmptyListWidgetRequest();
 }
 

@@ -11,6 +11,7 @@
 #include "CIncidentCommunication.h"
 #include "CMessageItemsDocument.h"
 #include "CNewsNotice.h"
+#include "CRightHandPage.h"
 #include "EntityDto.h"
 #include "MessageEntry.h"
 #include "TypingViewModel.h"
@@ -30,7 +31,6 @@ class CMessageSender;
 class CNewsFetcher;
 class QStackedWidget;
 class QTextBrowser;
-class QWebEngineView;
 
 class CNewsReaderPlugin : public CAbstractKolPlugin
 {
@@ -144,7 +144,6 @@ private:
     // Asks the host for one toast about the newest urgent entry, once per plugin lifetime.
     void showUrgentToast();
     // Part of setupView: the news web view, where the platform allows one.
-    void createNewsView(QStackedWidget* newsStack);
     // Part of setupView: the composer, the conversation view and the sender get their controls.
     void setupConversation();
     // Links in the thread document (attachments); the document never navigates by itself.
@@ -164,11 +163,9 @@ private:
     std::shared_ptr<CNewsFetcher> m_newsFetcher;
     std::shared_ptr<CCommunicationObjectModel> m_communicationModel;
     CNewsNotice m_notice;
-    QPointer<QStackedWidget> m_stackedWidget;
+    CRightHandPage m_rightHandPage;
     QPointer<QStackedWidget> m_inputAreaStack;
-    QPointer<QStackedWidget> m_newsStack;
     QPointer<QTextBrowser> m_issueMessages;
-    QPointer<QWebEngineView> m_newsView;
     QPointer<QWidget> m_emptyListWidget;
     // The objects each concern of the page is handed to.
     CConversationView* m_conversationView = nullptr;

@@ -1,0 +1,92 @@
+#include "CRightHandPage.h"
+
+#include "CCommunicationObjectModel.h"
+#include "CControlLookup.h"
+#include "CVantrelWebPage.h"
+
+#include <QDateTime>
+#include <QStackedWidget>
+#include <QWebEngineView>
+
+namespace {
+
+constexpr int kThreadPage = 0;
+constexpr int kNewsViewPage = 1;
+constexpr int kThreadOverduePage = 0;
+constexpr int kThreadPendingPage = 1;
+
+} // namespace
+
+void CRightHandPage::attach(const CViewModelBase* viewModel, bool newsView, QObject* receiver,
+                            const char* loadFinishedSlot)
+{
+    m_pages = CControlLookup::find<QStackedWidget>(viewModel, QStringLiteral("stackedWidget"));
+    m_entryStack = CControlLookup::find<QStackedWidget>(viewModel, QStringLiteral("newsStack"));
+    m_noThreadStack = CControlLookup::find<QStackedWidget>(viewModel, QStringLiteral("noThreadStack"));
+    if (newsView) {
+        auto* view = new QWebEngineView(m_entryStack);
+        QObject::connect(view, SIGNAL(loadFinished(bool)), receiver, loadFinishedSlot);
+        view->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+        view->setContextMenuPolicy(Qt::NoContextMenu);
+        auto* page = new CVantrelWebPage(view);
+        // News entries link to offers and articles: those belong in the user's browser, not in the page.
+        page->setAlwaysOpenLinkInExternalBrowser(true);
+        view->setPage(page);
+        m_entryStack->addWidget(view);
+        m_newsView = view;
+    }
+    setPage(EmptyListPage);
+}
+
+std::optional<CRightHandPage::Page> CRightHandPage::choose(const CCommunicationObjectModel& model,
+                                                           const QModelIndex& current, bool expanding)
+{
+    Page page = EmptyListPage;
+    if (model.rowCount() == 0) {
+        page = EmptyListPage;
+    } else if (!current.isValid()) {
+        return std::nullopt;
+    } else if (current.data(CCommunicationObjectModel::IsFolderRole).toBool()) {
+        // The plugin selects the folder's first entry right after expanding it; the folder page would flash.
+        if (expanding)
+            return std::nullopt;
+        page = FolderPage;
+    } else if (!current.data(CCommunicationObjectModel::ConversationRole).toBool() ||
+               current.data(CCommunicationObjectModel::HasDefaultThreadRole).toBool()) {
+        page = EntryPage;
+    } else {
+        page = NoThreadPage;
+        const QDateTime created = current.data(CCommunicationObjectModel::FirstTimeRole).toDateTime();
+        const bool pending =
+            created.isValid() && created.secsTo(QDateTime::currentDateTimeUtc()) < ThreadPendingSeconds;
+        if (m_noThreadStack)
+            m_noThreadStack->setCurrentIndex(pending ? kThreadPendingPage : kThreadOverduePage);
+    }
+    setPage(page);
+    return page;
+}
+
+void CRightHandPage::showFolderPage()
+{
+    setPage(FolderPage);
+}
+
+void CRightHandPage::showEntry(bool conversation, const QString& html)
+{
+    if (!conversation && m_newsView)
+        m_newsView->page()->setHtml(html, QUrl());
+    if (m_entryStack)
+        m_entryStack->setCurrentIndex(conversation ? kThreadPage : kNewsViewPage);
+}
+
+void CRightHandPage::clearNews()
+{
+    if (m_newsView)
+        m_newsView->page()->setUrl(QUrl());
+}
+
+void CRightHandPage::setPage(Page page)
+{
+    if (m_pages)
+        m_pages->setCurrentIndex(page);
+}
