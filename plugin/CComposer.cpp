@@ -4,6 +4,8 @@
 #include "CAttachmentsModel.h"
 #include "CControlLookup.h"
 #include "ChatServiceApi.h"
+#include "FileDialogs.h"
+#include "HostFiles.h"
 #include "QtHelpersImages.h"
 #include "RichTextInputWrapper.h"
 
@@ -196,4 +198,14 @@ void CComposer::updateHeight()
     }
     height = qFuzzyIsNull(height) ? floor : height + 2 * document->rootFrame()->frameFormat().margin();
     m_editor->setMaximumHeight(int(std::ceil(std::max(floor, height))));
+}
+
+void CComposer::addFilesFromDialog()
+{
+    QString paths = GetAbsDirName(int(FolderDocuments), QString(), false);
+    const QList<CFilterDesc> filters = {CFilterDesc(QObject::tr("All files"), QStringLiteral("*"))};
+    const FileDialogOptions options(FileDialogOptions::MultiSelect | FileDialogOptions::RememberFolder);
+    if (!stdOpenFileDialog(m_editor, filters, paths, options))
+        return;
+    m_attachments.addFiles(paths.split(QLatin1Char('*'), Qt::SkipEmptyParts));
 }

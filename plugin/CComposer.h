@@ -50,6 +50,8 @@ public:
     bool hasContent() const;
     // Replaces the whole text without reporting it as typed (a restored draft, the emptied composer after
     // a send): no draftEdited follows.
+    // The open dialog ("All files", several at once); every chosen file joins the attachments.
+    void addFilesFromDialog();
     void replaceQuietly(const QString& markdown);
     void setFocus();
     QTextEdit* editor() const;

@@ -1,5 +1,6 @@
 #include "CNewsReaderPlugin.h"
 
+#include "CAttachmentOpener.h"
 #include "CCommunicationObjectModel.h"
 #include "CComposer.h"
 #include "CControlLookup.h"
@@ -25,7 +26,6 @@
 #include <QStackedWidget>
 #include <QTextBrowser>
 #include <QToolButton>
-
 
 namespace {
 
@@ -62,6 +62,9 @@ CNewsReaderPlugin::CNewsReaderPlugin()
                                                m_newsFetcher, *m_communicationModel, this);
     m_sender =
         new CMessageSender(m_threadDocument, m_attachmentsModel, *m_communicationModel, m_newsFetcher, this);
+    m_attachmentOpener = new CAttachmentOpener(m_threadDocument, m_previewManager, this);
+    connect(m_conversationView, &CConversationView::messageShown, m_attachmentOpener,
+            &CAttachmentOpener::requestThumbnails);
     connect(m_conversationView, &CConversationView::composerStateChanged, this,
             &CNewsReaderPlugin::updateComposerState);
     connect(m_sender, &CMessageSender::canSendChanged, this, &CNewsReaderPlugin::updateComposerState);
@@ -135,6 +138,7 @@ void CNewsReaderPlugin::setupView()
     m_issueMessages->setOpenExternalLinks(false);
     m_issueMessages->setOpenLinks(false);
     connect(m_issueMessages, &QTextBrowser::anchorClicked, this, &CNewsReaderPlugin::onThreadAnchorClicked);
+    m_attachmentOpener->attach(m_issueMessages);
 
     const bool newsView = vantrelApp && vantrelApp->getCanUseWebEngineWidgets() && !IsWindowsPE();
     m_rightHandPage.attach(this, newsView, this, SLOT(onSetWebPageContentFinished(bool)));
@@ -184,8 +188,10 @@ bool CNewsReaderPlugin::eventFilter(QObject* watched, QEvent* event)
     return CAbstractKolPlugin::eventFilter(watched, event);
 }
 
-void CNewsReaderPlugin::onThreadAnchorClicked(const QUrl&)
-{}
+void CNewsReaderPlugin::onThreadAnchorClicked(const QUrl& url)
+{
+    m_attachmentOpener->onLinkClicked(url);
+}
 
 QString CNewsReaderPlugin::getCaption() const
 {
@@ -432,7 +438,10 @@ void CNewsReaderPlugin::onSendMessageClicked()
 }
 
 void CNewsReaderPlugin::onAddAttachmentClicked()
-{}
+{
+    if (m_composer)
+        m_composer->addFilesFromDialog();
+}
 
 void CNewsReaderPlugin::onAppBroadcastRequest(AppBroadcastRequest id)
 {
@@ -551,6 +560,8 @@ void CNewsReaderPlugin::showItem(const QModelIndex& index)
         m_conversationView->showHeader(index, false);
     else if (conversation && m_viewSetUp)
         m_conversationView->show(index);
+    if (conversation)
+        m_attachmentOpener->setThreadId(index.data(CCommunicationObjectModel::KeyRole).toString());
     m_rightHandPage.showEntry(conversation, index.data(CCommunicationObjectModel::ExtraTextRole).toString());
 }
 

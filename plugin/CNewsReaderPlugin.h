@@ -24,6 +24,7 @@
 
 #include <memory>
 
+class CAttachmentOpener;
 class CComposer;
 class CCommunicationObjectModel;
 class CConversationView;
@@ -164,6 +165,7 @@ private:
     std::shared_ptr<CCommunicationObjectModel> m_communicationModel;
     CNewsNotice m_notice;
     CRightHandPage m_rightHandPage;
+    CAttachmentOpener* m_attachmentOpener = nullptr;
     QPointer<QStackedWidget> m_inputAreaStack;
     QPointer<QTextBrowser> m_issueMessages;
     QPointer<QWidget> m_emptyListWidget;

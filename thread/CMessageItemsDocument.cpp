@@ -144,8 +144,7 @@ void CMessageItemsDocument::addFixedResources()
 
 void CMessageItemsDocument::clear()
 {
-    m_register.reset();
-    m_versions.clear();
+    m_register.clear();
     QTextDocument::clear();
     addFixedResources();
 }
@@ -221,7 +220,7 @@ CMessageItemIndex CMessageItemsDocument::appendMessage(const CIncidentCommunicat
 CMessageItemIndex CMessageItemsDocument::insertMessage(const CIncidentCommunication& message,
                                                        const QTextCursor& at, bool registerIt)
 {
-    if (m_register && m_register->contains(message.id))
+    if (m_register.contains(message.id))
         return {};
 
     const bool own = !message.fromOtherParty;
@@ -285,7 +284,7 @@ CMessageItemIndex CMessageItemsDocument::insertMessage(const CIncidentCommunicat
 
     CMessageItemIndex result{table, message};
     if (registerIt && table && !message.id.isEmpty())
-        registerMessage(result);
+        m_register.add(result);
     emit contentsChanged();
     return result;
 }
@@ -468,58 +467,25 @@ void CMessageItemsDocument::removeMessage(const CMessageItemIndex& index)
     cursor.deleteChar();
     frameTree.detached();
     cursor.endEditBlock();
-    unregisterMessage(index.message.id);
+    m_register.remove(index.message.id);
 }
 
 CMessageItemIndex CMessageItemsDocument::messageIndex(const QString& id) const
 {
-    if (!m_register)
-        return {};
-    return m_register->value(id);
+    return m_register.find(id);
 }
 
 CMessageItemIndex CMessageItemsDocument::findOlderVersion(const CIncidentCommunication& message) const
 {
-    if (!m_register)
-        return {};
-    for (auto it = m_versions.constFind(message.versionKey);
-         it != m_versions.cend() && it.key() == message.versionKey; ++it) {
-        const CMessageItemIndex index = m_register->value(it.value());
-        if (index.message.editVersion < message.editVersion)
-            return index;
-    }
-    return {};
-}
-
-void CMessageItemsDocument::registerMessage(const CMessageItemIndex& index)
-{
-    if (!m_register)
-        m_register.emplace();
-    const QString& id = index.message.id;
-    const auto previous = m_register->constFind(id);
-    if (previous != m_register->cend())
-        m_versions.remove(previous->message.versionKey, id);
-    m_register->insert(id, index);
-    m_versions.insert(index.message.versionKey, id);
-}
-
-void CMessageItemsDocument::unregisterMessage(const QString& id)
-{
-    if (!m_register)
-        return;
-    const auto found = m_register->constFind(id);
-    if (found == m_register->cend())
-        return;
-    m_versions.remove(found->message.versionKey, id);
-    m_register->erase(found);
+    return m_register.olderVersion(message);
 }
 
 void CMessageItemsDocument::updatePartyNames(std::function<WatcherAliases(const QString& authorId)> aliasesOf)
 {
-    if (!m_register || !aliasesOf)
+    if (!aliasesOf)
         return;
     QList<CMessageItemIndex> renewed;
-    const QList<CMessageItemIndex> registered = m_register->values();
+    const QList<CMessageItemIndex> registered = m_register.all();
     for (const CMessageItemIndex& index : registered) {
         if (index.message.nameKnown)
             continue;
@@ -536,7 +502,7 @@ void CMessageItemsDocument::updatePartyNames(std::function<WatcherAliases(const 
     }
     for (const CMessageItemIndex& index : std::as_const(renewed)) {
         if (index.isValid() && !index.message.id.isEmpty())
-            registerMessage(index);
+            m_register.add(index);
     }
     aliasesOf = nullptr;
 }
@@ -561,6 +527,26 @@ QRectF CMessageItemsDocument::anchorRect(const QString& href) const
     if (!block.isValid())
         return {};
     return documentLayout()->blockBoundingRect(block);
+}
+
+QRectF CMessageItemsDocument::attachmentRect(const QString& attachmentId) const
+{
+    QTextBlock block = findAttachmentLinkBlock(attachmentId);
+    if (!block.isValid()) {
+        // A tile that became a thumbnail: the picture carries the link.
+        const auto showsThumbnail = [&](const QTextBlock& candidate) {
+            for (auto it = candidate.begin(); !it.atEnd(); ++it) {
+                const QString href = it.fragment().charFormat().anchorHref();
+                if (newsReader::isAttachLink(href) && newsReader::attachmentIdFromLink(href) == attachmentId)
+                    return true;
+            }
+            return false;
+        };
+        const CMessageItemIndex holder = m_register.holderOf(attachmentId);
+        block = holder.isValid() ? findBlock(holder.frame, kBubbleColumn, showsThumbnail)
+                                 : findInDocument(showsThumbnail);
+    }
+    return block.isValid() ? documentLayout()->blockBoundingRect(block) : QRectF();
 }
 
 // --- delivery states ---------------------------------------------------------------------------------------
@@ -796,18 +782,24 @@ QTextBlock CMessageItemsDocument::findBlockWithAnchor(const QString& href) const
 
 QTextBlock CMessageItemsDocument::findAttachmentLinkBlock(const QString& attachmentId) const
 {
-    return findInDocument([&](const QTextBlock& block) {
-        const CBlockIdentification* id = identificationOf(block);
-        return id && id->kind == CBlockIdentification::AttachmentLink && id->attachment.id == attachmentId;
-    });
+    return findAttachmentBlock(attachmentId, CBlockIdentification::AttachmentLink);
 }
 
 QTextBlock CMessageItemsDocument::findAttachmentIconBlock(const QString& attachmentId) const
 {
-    return findInDocument([&](const QTextBlock& block) {
+    return findAttachmentBlock(attachmentId, CBlockIdentification::AttachmentIcon);
+}
+
+QTextBlock CMessageItemsDocument::findAttachmentBlock(const QString& attachmentId, int kind) const
+{
+    const auto isTileBlock = [&](const QTextBlock& block) {
         const CBlockIdentification* id = identificationOf(block);
-        return id && id->kind == CBlockIdentification::AttachmentIcon && id->attachment.id == attachmentId;
-    });
+        return id && id->kind == kind && id->attachment.id == attachmentId;
+    };
+    if (!m_register.holdsAttachment(attachmentId))
+        return findInDocument(isTileBlock);
+    const CMessageItemIndex holder = m_register.holderOf(attachmentId);
+    return holder.isValid() ? findBlock(holder.frame, kBubbleColumn, isTileBlock) : QTextBlock();
 }
 
 QTextTable* CMessageItemsDocument::findAttachmentTable(const CMessageItemIndex& index,

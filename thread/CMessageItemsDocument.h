@@ -6,6 +6,7 @@
 // bubbles and draws its images. Owned by the plugin; reports no errors (unknown messages are ignored).
 
 #include "CMessageItemIndex.h"
+#include "CMessageRegister.h"
 
 #include <QHash>
 #include <QTextBlock>
@@ -51,6 +52,9 @@ public:
     QTextCursor endCursor();
     QRectF frameRect(const CMessageItemIndex& index) const;
     QRectF anchorRect(const QString& href) const;
+    // The tile of an attachment (its link line, or its thumbnail), in document coordinates; invalid when the
+    // document does not show it.
+    QRectF attachmentRect(const QString& attachmentId) const;
 
     void setDeliveryStatus(const CMessageItemIndex& index, DeliveryStatus status);
 
@@ -99,11 +103,9 @@ private:
     QTextBlock findAttachmentIconBlock(const QString& attachmentId) const;
     QTextTable* findAttachmentTable(const CMessageItemIndex& index, const QString& attachmentId) const;
 
-    // Adds to or drops from the register, keeping the version index in step.
-    void registerMessage(const CMessageItemIndex& index);
-    void unregisterMessage(const QString& id);
+    // The block of kind `kind` for the attachment: looked up in the message that holds it, and only for an
+    // attachment no registered message holds, in the whole document.
+    QTextBlock findAttachmentBlock(const QString& attachmentId, int kind) const;
 
-    std::optional<QHash<QString, CMessageItemIndex>> m_register;
-    // Registered ids by version key, so that an older version is found without a walk over the thread.
-    QMultiHash<QString, QString> m_versions;
+    CMessageRegister m_register;
 };

@@ -160,5 +160,37 @@
         <source>%1. No control found: %2</source>
         <translation>%1. Kein Steuerelement gefunden: %2</translation>
     </message>
+    <message>
+        <source>Open</source>
+        <translation>Öffnen</translation>
+    </message>
+    <message>
+        <source>Save as...</source>
+        <translation>Speichern unter...</translation>
+    </message>
+    <message>
+        <source>%1 files</source>
+        <translation>%1-Dateien</translation>
+    </message>
+    <message>
+        <source>All files</source>
+        <translation>Alle Dateien</translation>
+    </message>
+    <message>
+        <source>The file could not be opened: %1</source>
+        <translation>Die Datei konnte nicht geöffnet werden: %1</translation>
+    </message>
+    <message>
+        <source>The file could not be saved as &quot;%1&quot;.</source>
+        <translation>Die Datei konnte nicht als „%1“ gespeichert werden.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; cannot be stored on this computer under a safe name.</source>
+        <translation>„%1“ kann auf diesem Computer nicht unter einem sicheren Namen gespeichert werden.</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; could not be downloaded. Please try again later.</source>
+        <translation>„%1“ konnte nicht heruntergeladen werden. Bitte versuchen Sie es später erneut.</translation>
+    </message>
 </context>
 </TS>

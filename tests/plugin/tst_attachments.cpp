@@ -1,0 +1,285 @@
+// Attachments of the shown thread, end to end through the simulated server and the host's scripted dialogs
+// and recorded launches: the tile's menu, opening (downloaded once, then from the cache), saving elsewhere,
+// failures, thumbnails, adding files to the composer, and names from the server that must not steer a path.
+#include "HostTestMain.h"
+
+#include "AttachmentLinks.h"
+#include "CAttachmentOpener.h"
+#include "CAttachmentsModel.h"
+#include "CFilePreviewManager.h"
+#include "ConversationScreen.h"
+#include "HostFiles.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QListView>
+#include <QMenu>
+#include <QScrollBar>
+#include <QTemporaryDir>
+
+namespace {
+
+const QString kPrinter = QStringLiteral("conv-printer");
+
+QString cacheRoot()
+{
+    return QDir::cleanPath(GetAbsDirName(int(FolderDownloads), QString(), false));
+}
+
+int downloadsOf(const QString& attachmentId)
+{
+    const auto log = HostControl::requestLog();
+    return int(std::count_if(log.cbegin(), log.cend(), [&](const HostControl::Request& request) {
+        return request.verb == "GET" && request.path.endsWith(QStringLiteral("/attachments/") + attachmentId);
+    }));
+}
+
+QStringList launched()
+{
+    QStringList paths;
+    for (const HostControl::Event& event : HostControl::events(QStringLiteral("launchFile")))
+        paths << event.details.value(QStringLiteral("path")).toString();
+    return paths;
+}
+
+bool documentHasImage(const CMessageItemsDocument* document, const QString& name)
+{
+    return document->resource(QTextDocument::ImageResource, QUrl(name)).isValid();
+}
+
+} // namespace
+
+class TestAttachments : public QObject
+{
+    Q_OBJECT
+
+    // Clicks the attachment's link and picks the menu entry `entry` (0 "Open", 1 "Save as...").
+    static bool choose(const ConversationScreen& screen, const QString& id, const QString& name, int entry)
+    {
+        CIncidentAttachment attachment;
+        attachment.id = id;
+        attachment.fileName = name;
+        qDeleteAll(screen.thread()->findChildren<QMenu*>(QStringLiteral("attachmentMenu")));
+        // The tile must be in view: a click on a tile scrolled away shows no menu.
+        const QRectF tile = screen.document()->attachmentRect(id);
+        if (tile.isValid())
+            screen.thread()->verticalScrollBar()->setValue(int(tile.top()) - 20);
+        emit screen.thread()->anchorClicked(QUrl(newsReader::attachLink(attachment)));
+        auto* menu = screen.thread()->findChild<QMenu*>(QStringLiteral("attachmentMenu"));
+        if (!menu || menu->actions().size() != 2)
+            return false;
+        menu->actions().at(entry)->trigger();
+        menu->close();
+        return true;
+    }
+
+private slots:
+    void init()
+    {
+        HostControl::resetForTests();
+        HostControl::setCanUseWebEngine(false);
+        HostControl::setShowBalloons(false);
+        HostControl::loadDefaultScenario();
+        QDir(cacheRoot()).removeRecursively();
+        HostControl::clearEvents();
+    }
+
+    void openDownloadsOnceWithAProgressRingAndLaunchesTheCachedFileAfterwards()
+    {
+        ConversationScreen screen;
+        QVERIFY(screen.open(kPrinter));
+        HostControl::clearRequestLog();
+        HostControl::setHoldRequests(true);
+        QVERIFY(choose(screen, QStringLiteral("att-scan-log"), QStringLiteral("scan-log.txt"), 0));
+        // While the file is on its way the tile shows the ring, which cancels on click.
+        QVERIFY(screen.document()->toHtml().contains(QStringLiteral("progress0-cancellable")));
+        QVERIFY(launched().isEmpty());
+        HostControl::releaseAllRequests();
+        QTRY_COMPARE(launched().size(), 1);
+        const QString path = launched().first();
+        QCOMPARE(path, cacheRoot() + QStringLiteral("/%1/%2/att-scan-log/scan-log.txt")
+                                         .arg(QCoreApplication::applicationName(), kPrinter));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(file.readAll().startsWith("2024-06-11 09:14:02 BLOCK"));
+        QVERIFY(!screen.document()->toHtml().contains(QStringLiteral("progress")));
+        HostControl::setHoldRequests(false);
+
+        // The second time the cached file opens at once.
+        QVERIFY(choose(screen, QStringLiteral("att-scan-log"), QStringLiteral("scan-log.txt"), 0));
+        QCOMPARE(launched(), QStringList({path, path}));
+        QCOMPARE(downloadsOf(QStringLiteral("att-scan-log")), 1);
+
+        // Any other link goes to the system browser; an abort link and an unknown tile do nothing.
+        emit screen.thread()->anchorClicked(QUrl(QStringLiteral("https://example.com/help")));
+        emit screen.thread()->anchorClicked(QUrl(QStringLiteral("abort://att-scan-log")));
+        QVERIFY(choose(screen, QStringLiteral("att-unknown"), QStringLiteral("x.txt"), 0) == false);
+        const auto links = HostControl::events(QStringLiteral("openLink"));
+        QCOMPARE(links.size(), 1);
+        QCOMPARE(links.first().details.value(QStringLiteral("url")).toString(),
+                 QStringLiteral("https://example.com/help"));
+    }
+
+    void aFailedDownloadLeavesNoFileAndTellsTheUser()
+    {
+        ConversationScreen screen;
+        QVERIFY(screen.open(kPrinter));
+        HostControl::failNextRequest(QStringLiteral("/attachments/"), 500, QStringLiteral("Disk on fire"));
+        QVERIFY(choose(screen, QStringLiteral("att-scan-log"), QStringLiteral("scan-log.txt"), 0));
+        QTRY_VERIFY(!HostControl::events(QStringLiteral("balloon")).isEmpty());
+        QVERIFY(HostControl::events(QStringLiteral("balloon"))
+                    .last()
+                    .details.value(QStringLiteral("text"))
+                    .toString()
+                    .contains(QStringLiteral("could not be downloaded")));
+        QVERIFY(launched().isEmpty());
+        QDir cache(cacheRoot());
+        QVERIFY(!cache.exists() ||
+                QDirIterator(cacheRoot(), QDir::Files, QDirIterator::Subdirectories).hasNext() == false);
+        // Trying again works.
+        QVERIFY(choose(screen, QStringLiteral("att-scan-log"), QStringLiteral("scan-log.txt"), 0));
+        QTRY_COMPARE(launched().size(), 1);
+    }
+
+    void saveAsWritesTheChosenFileWithTheExtensionFilter()
+    {
+        ConversationScreen screen;
+        QVERIFY(screen.open(kPrinter));
+        QTemporaryDir elsewhere;
+        const QString target = elsewhere.filePath(QStringLiteral("kept.txt"));
+        HostControl::scriptSaveAsDialog(target);
+        QVERIFY(choose(screen, QStringLiteral("att-scan-log"), QStringLiteral("scan-log.txt"), 1));
+        QTRY_VERIFY(QFileInfo(target).isFile());
+        QFile file(target);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(file.readAll().startsWith("2024-06-11"));
+        const auto dialogs = HostControl::events(QStringLiteral("fileDialog"));
+        QCOMPARE(dialogs.size(), 1);
+        QCOMPARE(dialogs.first().details.value(QStringLiteral("kind")).toString(), QStringLiteral("save"));
+        QVERIFY(dialogs.first()
+                    .details.value(QStringLiteral("path"))
+                    .toString()
+                    .endsWith(QStringLiteral("/scan-log.txt")));
+        QVERIFY(dialogs.first()
+                    .details.value(QStringLiteral("filters"))
+                    .toString()
+                    .contains(QStringLiteral("Txt files")));
+        QVERIFY(launched().isEmpty());
+    }
+
+    void picturesAndDocumentsGetThumbnailsOtherFilesKeepTheirTiles()
+    {
+        ConversationScreen screen;
+        QVERIFY(screen.open(kPrinter));
+        const CMessageItemsDocument* document = screen.document();
+        QTRY_VERIFY(documentHasImage(document, QStringLiteral("att-block-screenshot-thumbnail")));
+        QTRY_VERIFY(documentHasImage(document, QStringLiteral("att-guide-thumbnail")));
+        QTRY_VERIFY(documentHasImage(document, QStringLiteral("att-exceptions-photo-thumbnail")));
+        QVERIFY(!documentHasImage(document, QStringLiteral("att-diagtool-thumbnail")));
+        QVERIFY(!documentHasImage(document, QStringLiteral("att-scan-log-thumbnail")));
+        QCOMPARE(downloadsOf(QStringLiteral("att-diagtool")), 0);
+        // A thumbnail still opens its menu.
+        QVERIFY(document->attachmentRect(QStringLiteral("att-guide")).isValid());
+        QVERIFY(choose(screen, QStringLiteral("att-guide"), QStringLiteral("exceptions-guide.pdf"), 0));
+        QTRY_COMPARE(launched().size(), 1);
+        QVERIFY(launched().first().endsWith(QStringLiteral("/att-guide/exceptions-guide.pdf")));
+    }
+
+    void theAddDialogAddsEveryChosenFile()
+    {
+        ConversationScreen screen;
+        QVERIFY(screen.open(kPrinter));
+        QTemporaryDir dir;
+        QStringList paths;
+        for (const char* name : {"a.txt", "b.log", "c.png"}) {
+            QFile file(dir.filePath(QString::fromLatin1(name)));
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write("x");
+            paths << file.fileName();
+        }
+        HostControl::scriptOpenFileDialog(paths);
+        screen.control<QToolButton>("addAttachment")->click();
+        const auto* list = screen.control<QListView>("attachmentsList");
+        QCOMPARE(list->model()->rowCount(), 3);
+        HostControl::scriptOpenFileDialog({});
+        screen.control<QToolButton>("addAttachment")->click();
+        QCOMPARE(list->model()->rowCount(), 3);
+    }
+
+    void namesFromTheServerNeverLeaveTheCacheFolder_data()
+    {
+        QTest::addColumn<QString>("threadId");
+        QTest::addColumn<QString>("attachmentId");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("plain") << "t1"
+                               << "a1"
+                               << "report.pdf";
+        QTest::newRow("colon") << "t1"
+                               << "a1"
+                               << "a:b.txt";
+        QTest::newRow("slashes") << "t1"
+                                 << "a1"
+                                 << "../../../.bashrc";
+        QTest::newRow("backslashes") << "t1"
+                                     << "a1"
+                                     << "..\\..\\evil.bat";
+        QTest::newRow("absolute") << "t1"
+                                  << "a1"
+                                  << "/etc/passwd";
+        QTest::newRow("drive") << "t1"
+                               << "a1"
+                               << "C:\\Windows\\evil.dll";
+        QTest::newRow("dots") << "t1"
+                              << "a1"
+                              << "..";
+        QTest::newRow("nul") << "t1"
+                             << "a1" << QStringLiteral("a%1b.txt").arg(QChar(0));
+        QTest::newRow("long") << "t1"
+                              << "a1" << QString(300, QLatin1Char('x')) + QStringLiteral(".txt");
+        QTest::newRow("empty") << "t1"
+                               << "a1"
+                               << "";
+        QTest::newRow("id up") << "t1"
+                               << "../../../../tmp"
+                               << "x.txt";
+        QTest::newRow("id absolute") << "t1"
+                                     << "/tmp"
+                                     << "x.txt";
+        QTest::newRow("thread up") << ".."
+                                   << "a1"
+                                   << "x.txt";
+        QTest::newRow("thread nested") << "a/../../b"
+                                       << "C:"
+                                       << "x.txt";
+    }
+
+    void namesFromTheServerNeverLeaveTheCacheFolder()
+    {
+        QFETCH(QString, threadId);
+        QFETCH(QString, attachmentId);
+        QFETCH(QString, name);
+        CMessageItemsDocument document;
+        CFilePreviewManager previews;
+        CAttachmentOpener opener(document, previews, nullptr);
+        opener.setThreadId(threadId);
+        const QString path = opener.cachePath(attachmentId, name);
+        QVERIFY(!path.isEmpty());
+        const QFileInfo file(path);
+        QCOMPARE(isValidFileName(file.fileName()), FileNameValidationReasons(FileNameValid));
+        // Exactly three folder levels below the cache root, none of them a way up.
+        const QString relative = QDir(cacheRoot()).relativeFilePath(path);
+        const QStringList levels = relative.split(QLatin1Char('/'));
+        QCOMPARE(levels.size(), 4);
+        for (const QString& level : levels)
+            QVERIFY2(level != QStringLiteral("..") && level != QStringLiteral(".") && !level.isEmpty(),
+                     qPrintable(relative));
+        QCOMPARE(CAttachmentOpener::safeFileName(name) == name, isValidFileName(name) == FileNameValid);
+        if (name == QStringLiteral("a:b.txt"))
+            QCOMPARE(file.fileName(), QStringLiteral("a_b.txt.txt"));
+        // Different ids never share a folder.
+        QVERIFY(opener.cachePath(attachmentId + QStringLiteral("x"), name) != path);
+    }
+};
+
+HOST_TEST_MAIN(TestAttachments)
+#include "tst_attachments.moc"
