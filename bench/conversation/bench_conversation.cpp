@@ -4,8 +4,10 @@
 //             the same document directly and painting it in the same view;
 //   update    one received message (new, then a new version of it) on threads of 50, 1,500 and 5,000
 //             messages: the time per update should not grow with the thread;
-//   burst     1,000 messages received within one second: the longest gap between two ticks of a 16 ms timer.
-//   bench_conversation [runs] [open|update|burst]
+//   burst     1,000 messages received within one second: the longest gap between two ticks of a 16 ms timer;
+//   progress  one progress tick of an attachment download (the ring on its tile) on threads of 50 and 5,000
+//             messages: the time per tick should not grow with the thread.
+//   bench_conversation [runs] [open|update|burst|progress]
 
 #include "CCommunicationObjectModel.h"
 #include "CMessageItemsDocument.h"
@@ -260,6 +262,38 @@ qint64 burstLongestGap(const QString& key, int messages)
     return longest;
 }
 
+// Median time of one progress tick on the tile of an attachment near the top of a shown thread.
+qint64 perProgressTick(const QString& key, int messages, qint64& unshownTick)
+{
+    Screen screen;
+    (void)screen.open(key, messages);
+    screen.paintEnd();
+    auto* document = static_cast<CMessageItemsDocument*>(screen.thread()->document());
+    QString attachmentId;
+    for (int i = 0; i < messages && attachmentId.isEmpty(); ++i) {
+        const CMessageItemIndex index = document->messageIndex(QStringLiteral("%1-m%2").arg(key).arg(i));
+        if (!index.message.attachments.isEmpty())
+            attachmentId = index.message.attachments.first().id;
+    }
+    const auto ticks = [&] {
+        std::vector<qint64> times;
+        for (int percent = 0; percent < 100; ++percent) {
+            QElapsedTimer timer;
+            timer.start();
+            document->setAttachProgress(attachmentId, percent);
+            times.push_back(timer.nsecsElapsed());
+        }
+        document->setAttachProgress(attachmentId, 100);
+        return median(times);
+    };
+    const qint64 shown = ticks();
+    // The same without a view: finding the tile and changing it, without the toolkit's layout pass.
+    screen.thread()->setDocument(nullptr);
+    document->setTextWidth(-1);
+    unshownTick = ticks();
+    return shown;
+}
+
 QString ms(qint64 ns)
 {
     return QString::number(double(ns) / 1e6, 'f', 2) + QStringLiteral(" ms");
@@ -308,6 +342,18 @@ int main(int argc, char** argv)
         }
         out << "per-update ratio 5000/50: "
             << QString::number(double(perSize.last()) / double(perSize.first()), 'f', 2) << "\n";
+    }
+    if (wanted("progress")) {
+        qint64 smallUnshown = 0;
+        qint64 largeUnshown = 0;
+        const qint64 small = perProgressTick(QStringLiteral("gen-50"), 50, smallUnshown);
+        const qint64 large = perProgressTick(QStringLiteral("gen-5000"), 5000, largeUnshown);
+        out << "progress tick, shown: " << ms(small) << " on 50 messages, " << ms(large) << " on 5000, ratio "
+            << QString::number(double(large) / double(small), 'f', 2) << "\n";
+        out << "progress tick, document alone: " << ms(smallUnshown) << " on 50 messages, "
+            << ms(largeUnshown) << " on 5000, ratio "
+            << QString::number(double(largeUnshown) / double(smallUnshown), 'f', 2) << "\n";
+        out.flush();
     }
     if (wanted("burst")) {
         out << "burst of 1000 on 1500 messages: longest gap between 16 ms ticks "
