@@ -9,6 +9,7 @@
 #include <QJsonObject>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QTextDocumentFragment>
 
 namespace {
 
@@ -207,6 +208,48 @@ private slots:
                                      {QStringLiteral("lastName"), QStringLiteral("Brandt")}});
         QTRY_VERIFY(screen.threadText().contains(QStringLiteral("Nora")));
         QCOMPARE(screen.thread()->verticalScrollBar()->value(), 10);
+    }
+
+    // A participant's name is the server's text: markup in it shows as written, in the name's colour, in the
+    // typing line and on the bubbles, and nothing it names is ever loaded.
+    void namesShowAsThePlainTextTheyAre_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("markup") << QStringLiteral("<b>Bold</b> <i>Eve</i>");
+        QTest::newRow("closes the name's span")
+            << QStringLiteral("Eve</span> has left. <b>Your session expired</b>");
+        QTest::newRow("picture of a device") << QStringLiteral("Eve <img src=\"/dev/zero\">");
+        QTest::newRow("picture of a file") << QStringLiteral("<img src=\"file:///etc/passwd\"> Eve");
+        QTest::newRow("entities") << QStringLiteral("Tom &amp; Jerry &lt;3 & co");
+    }
+    void namesShowAsThePlainTextTheyAre()
+    {
+        QFETCH(QString, name);
+        const QColor colour(QStringLiteral("#2a9d8f"));
+        ConversationScreen screen;
+        QVERIFY(screen.open(kInvoice));
+        HostControl::addParticipant({{QStringLiteral("id"), QStringLiteral("s-eve")},
+                                     {QStringLiteral("firstName"), name},
+                                     {QStringLiteral("lastName"), QString()},
+                                     {QStringLiteral("displayName"), name},
+                                     {QStringLiteral("nameColor"), colour.name()}});
+        HostControl::postMessage(kInvoice, QStringLiteral("Hello"), QStringLiteral("s-eve"));
+        HostControl::setTyping(kInvoice, QStringLiteral("s-eve"), true);
+
+        auto* typing = screen.control<QLabel>("typingLabel");
+        QTRY_VERIFY(!typing->text().isEmpty());
+        // Parsed without a resource provider, so that a name that does get through as markup loads nothing.
+        QTextDocument line;
+        QTextCursor(&line).insertFragment(QTextDocumentFragment::fromHtml(typing->text()));
+        const QString shown = line.toPlainText();
+        QVERIFY2(shown.contains(name), qPrintable(shown));
+        QCOMPARE(shown.count(QChar::ObjectReplacementCharacter), 1); // the dots, and no other picture
+        const int at = int(shown.indexOf(name));
+        QTextCursor inName(&line);
+        inName.setPosition(at + 1);
+        QCOMPARE(inName.charFormat().foreground().color(), colour);
+
+        QTRY_VERIFY2(screen.threadText().contains(name + QLatin1Char('\n')), qPrintable(screen.threadText()));
     }
 };
 
