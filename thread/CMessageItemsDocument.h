@@ -22,7 +22,9 @@ class CMessageItemsDocument : public QTextDocument
     Q_OBJECT
 
 public:
-    enum DeliveryStatus
+    // Fixed to int: a status the document is handed may lie outside the named values, and it then shows no
+    // image instead of being an invalid enumeration value.
+    enum DeliveryStatus : int
     {
         NotDelivered = 0,
         Delivered = 1,
