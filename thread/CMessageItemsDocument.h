@@ -71,6 +71,13 @@ public:
     static const QString NotDeliveredImage;
     static const QString DeliveryFailedImage;
 
+protected:
+    // Message content names pictures, backgrounds and style sheets. Only pictures it carries itself (data:
+    // URLs) are read here, within CResourceGuard's limits, and kept as resources so that each is decoded
+    // once; picture files are left to the image handler, which reads them within the same limits. Nothing
+    // else, no style sheet and no background, is ever read from disk.
+    QVariant loadResource(int type, const QUrl& name) override;
+
 private:
     friend class TestMessageItemsDocument;
     friend class TestMessageStates;
