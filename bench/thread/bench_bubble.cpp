@@ -1,7 +1,7 @@
-// Paints bubbles of one line, of a screenful and of very many paragraphs, and prints for each the time of a
-// viewport paint, the growth of the process's peak memory and the bytes the shadow cache holds, with the
-// ratio of the tall bubble's paint time to the screenful's: a bubble's background and shadow must cost the
-// same whatever the bubble's size.
+// Paints bubbles of one line, of a screenful, of very many paragraphs and of a picture that asks for 100,000
+// pixels a side, and prints for each the time of a viewport paint, the growth of the process's peak memory
+// and the bytes the shadow cache holds, with the ratio of the tall bubble's paint time to the screenful's: a
+// bubble's background and shadow must cost the same whatever the bubble's size.
 //   bench_bubble [paragraphs]   (default 50,000 short paragraphs in the tall bubble)
 
 #include "CMessageItemsDocument.h"
@@ -118,6 +118,9 @@ int main(int argc, char** argv)
     const Figures line = measure(QStringLiteral("A short reply."));
     const Figures screen = measure(paragraphs(kScreenParagraphs));
     const Figures large = measure(paragraphs(tall));
+    // The size is the content's: the page must neither allocate nor blur anything that large.
+    const Figures picture =
+        measure(QStringLiteral("<p><img src=\"AvatarSingle\" width=\"100000\" height=\"100000\"></p>"));
 
     QTextStream out(stdout);
     auto row = [&](const QString& what, const Figures& f) {
@@ -131,6 +134,7 @@ int main(int argc, char** argv)
     row(QStringLiteral("one line"), line);
     row(QStringLiteral("%1 paragraphs").arg(kScreenParagraphs), screen);
     row(QStringLiteral("%1 paragraphs").arg(tall), large);
+    row(QStringLiteral("a 100,000 px square picture"), picture);
     out << "paint time ratio " << tall << " / " << kScreenParagraphs << " paragraphs: "
         << QString::number(double(large.paintNs) / double(std::max<qint64>(1, screen.paintNs)), 'f', 2)
         << Qt::endl;
