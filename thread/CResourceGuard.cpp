@@ -40,14 +40,14 @@ bool CResourceGuard::mayRead(const QString& path)
     if (path.isEmpty() || !namedAsPicture(path))
         return false;
     const QFileInfo info(path);
+    const bool compiledIn = path.startsWith(kResourcePrefix);
+    if (!compiledIn && inForbiddenFolder(info.absoluteFilePath()))
+        return false;
     // isFile() follows links and is false for devices, pipes, sockets and folders.
     if (!info.isFile() || info.size() > MaxFileBytes)
         return false;
-    if (path.startsWith(kResourcePrefix))
-        return true;
-    const QString canonical = info.canonicalFilePath();
-    return !canonical.isEmpty() && !inForbiddenFolder(info.absoluteFilePath()) &&
-           !inForbiddenFolder(canonical);
+    // A link may lead into a forbidden folder from anywhere.
+    return compiledIn || !inForbiddenFolder(info.canonicalFilePath());
 }
 
 QImage CResourceGuard::readImage(const QString& path)
