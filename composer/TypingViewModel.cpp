@@ -11,10 +11,11 @@ namespace {
 // The timer property that names the typist a timer belongs to.
 const char* const kTimerKeyProperty = "QTimer::timerKey";
 
+// Names come from the server and from whoever joins the conversation: they are shown as the text they are.
 QString nameMarkup(const CIncidentCommunication& communication)
 {
     return QStringLiteral("<span style=\"font-weight:600; color:%1;\">%2</span>")
-        .arg(communication.getNameColor().name(QColor::HexRgb), communication.senderName);
+        .arg(communication.getNameColor().name(QColor::HexRgb), communication.senderName.toHtmlEscaped());
 }
 
 } // namespace

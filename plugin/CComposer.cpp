@@ -2,6 +2,7 @@
 
 #include "CAttachmentItemDelegate.h"
 #include "CAttachmentsModel.h"
+#include "CComposerDocument.h"
 #include "CControlLookup.h"
 #include "ChatServiceApi.h"
 #include "FileDialogs.h"
@@ -70,6 +71,10 @@ CComposer::CComposer(const Controls& controls, CAttachmentsModel& attachments, Q
     connect(&m_attachments, &CAttachmentsModel::contentChanged, list, &QWidget::setVisible);
 
     QTextEdit* editor = controls.editor;
+    // The editor's own document would read any file a picture in a draft or in pasted text names.
+    auto* document = new CComposerDocument(editor);
+    document->setDefaultFont(editor->document()->defaultFont());
+    editor->setDocument(document);
     // Parented to the editor, so that it goes with the form.
     m_richTextInput = new RichTextInputWrapper(editor, controls.toolbar, editor);
     editor->setAcceptRichText(true);

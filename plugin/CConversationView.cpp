@@ -19,6 +19,7 @@
 #include <QScrollBar>
 #include <QStyle>
 #include <QTextBrowser>
+#include <QTextDocument>
 #include <QToolButton>
 
 namespace {
@@ -143,7 +144,9 @@ void CConversationView::showHeader(const QModelIndex& index, bool reload)
     const QString title = index.data(CCommunicationObjectModel::TitleRole).toString();
     if (m_title) {
         m_title->setText(title);
-        m_title->setToolTip(title);
+        // A tool tip that looks like markup is shown as markup: the title goes in as the text it is.
+        m_title->setToolTip(title.isEmpty() ? QString()
+                                            : Qt::convertFromPlainText(title, Qt::WhiteSpaceNormal));
     }
     // The list carries the whole ticket; its state key is named by the server's schema.
     const auto ticket = DraftMessageItem::entityFrom(index.data(CCommunicationObjectModel::EntityRole));

@@ -609,9 +609,11 @@ void CNewsReaderPlugin::showUrgentToast()
     const Messenger::MessageEntryPtr entry = m_notice.newestUrgent();
     if (!entry)
         return;
-    // The summary, not the entry's page: the toast is plain rich text of a few words.
-    emit pluginToastRequest(this, kToastText.arg(entry->title, entry->subtitle), SLOT(onToastClicked()),
-                            QMessageBox::NoIcon, kToastTimeout);
+    // The summary, not the entry's page: the toast is rich text of a few words, in which the server's title
+    // and subtitle show as the text they are.
+    emit pluginToastRequest(this,
+                            kToastText.arg(entry->title.toHtmlEscaped(), entry->subtitle.toHtmlEscaped()),
+                            SLOT(onToastClicked()), QMessageBox::NoIcon, kToastTimeout);
     m_toastShown = true;
 }
 

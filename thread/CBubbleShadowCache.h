@@ -1,12 +1,16 @@
 #pragma once
-// Keeps the blurred shadow images of message bubbles. A shadow depends only on the bubble's size, its four
-// corner radii and the page colour behind it, so one blurred image serves every bubble of that shape;
-// blurring afresh on each paint made scrolling a long thread many times slower. Owned by the document
-// layout; the images are exactly those a fresh computation would give.
+// Keeps small blurred shadow tiles of message bubbles. Away from its corners a blurred rounded rectangle is
+// the same along each edge, so one tile per corner radii, page colour and device pixel ratio serves bubbles
+// of every size: it is drawn in nine pieces (CNinePatch) and its middle row and column are stretched.
+// Only a bubble smaller than a tile gets a tile of its own size. The tile holds exactly the area painted
+// around a bubble of its size (the bubble grown by `reach`), as a fresh computation would give it; blurring
+// an image as large as the bubble made tall messages cost seconds and gigabytes per paint.
+// Owned by the document layout.
 
 #include <QCache>
 #include <QColor>
 #include <QImage>
+#include <QMarginsF>
 #include <QSizeF>
 
 #include <array>
@@ -19,24 +23,36 @@ public:
     // Fills the bubble's shape into the rectangle with the brush (the layout's rounded-background painter).
     using ShapePainter = std::function<void(QPainter*, const QRectF&, const QBrush&)>;
 
-    // Room around the bubble inside the shadow image, so that the blur fades out before the image's edge.
+    // Room around the bubble while blurring, so that the blur fades out before the image's edge.
     static constexpr qreal Margin = 50.0;
     static constexpr qreal BlurRadius = 6.0;
+    // How far from its corners an edge of the blurred shape no longer changes along its length.
+    static constexpr qreal SettledDistance = 4 * BlurRadius;
 
-    explicit CBubbleShadowCache(int maxBytes = DefaultMaxBytes);
+    // `reach`: how far the painted shadow area extends beyond the bubble on each side.
+    explicit CBubbleShadowCache(const QMarginsF& reach, int maxBytes = DefaultMaxBytes);
 
-    // The blurred image for a bubble of `size` with `radii`, on a page of colour `page`.
-    QImage shadow(const QSizeF& size, const Radii& radii, const QColor& page, const ShapePainter& paintShape);
+    // The tile for a bubble of `size`: the painted area of a bubble of tileBubbleSize(size, radii), with the
+    // given device pixel ratio.
+    QImage tile(const QSizeF& size, const Radii& radii, const QColor& page, qreal devicePixelRatio,
+                const ShapePainter& paintShape);
 
-    // Computes the image without looking into the cache.
-    static QImage render(const QSizeF& size, const QColor& page, const ShapePainter& paintShape);
+    // The bubble size whose shadow a tile holds: `size`, limited in each direction to twice the largest
+    // corner radius plus the distance it takes the blur to settle (and the fraction of a pixel of `size`).
+    static QSizeF tileBubbleSize(const QSizeF& size, const Radii& radii);
 
-    int count() const { return m_images.count(); }
+    // Computes the painted area of a bubble of `size` afresh: the shape, blurred, offset by the reach.
+    static QImage render(const QSizeF& size, const QMarginsF& reach, const QColor& page,
+                         qreal devicePixelRatio, const ShapePainter& paintShape);
+
+    int count() const { return m_tiles.count(); }
     int misses() const { return m_misses; }
-    void clear() { m_images.clear(); }
+    // Bytes held by the kept tiles.
+    qsizetype bytes() const { return m_tiles.totalCost(); }
+    void clear() { m_tiles.clear(); }
 
 private:
-    static constexpr int DefaultMaxBytes = 64 * 1024 * 1024;
+    static constexpr int DefaultMaxBytes = 2 * 1024 * 1024;
 
     struct Key
     {
@@ -44,10 +60,12 @@ private:
         qreal height;
         Radii radii;
         QRgb page;
+        qreal devicePixelRatio;
         bool operator==(const Key& other) const;
     };
     friend size_t qHash(const Key& key, size_t seed);
 
-    QCache<Key, QImage> m_images;
+    QMarginsF m_reach;
+    QCache<Key, QImage> m_tiles;
     int m_misses = 0;
 };

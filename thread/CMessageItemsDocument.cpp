@@ -4,6 +4,7 @@
 #include "CBlockIdentification.h"
 #include "CColorIndexes.h"
 #include "CFrameTreeSplicer.h"
+#include "CResourceGuard.h"
 #include "CShellImageList.h"
 #include "CVantrelApp.h"
 #include "HostFiles.h"
@@ -17,8 +18,10 @@
 #include <QLocale>
 #include <QPainter>
 #include <QPalette>
+#include <QPixmap>
 #include <QTextDocumentFragment>
 #include <QTextTable>
+#include <QThread>
 #include <QUrl>
 
 #include <algorithm>
@@ -147,6 +150,21 @@ void CMessageItemsDocument::clear()
     m_register.clear();
     QTextDocument::clear();
     addFixedResources();
+}
+
+QVariant CMessageItemsDocument::loadResource(int type, const QUrl& name)
+{
+    if (type != ImageResource)
+        return {};
+    const QImage image = CResourceGuard::embeddedImage(name);
+    if (image.isNull())
+        return {};
+    // Pixmaps on the GUI thread and images elsewhere, as the toolkit's own loading gives them.
+    const bool onGuiThread =
+        QCoreApplication::instance() && QCoreApplication::instance()->thread() == QThread::currentThread();
+    const QVariant picture = onGuiThread ? QVariant(QPixmap::fromImage(image)) : QVariant(image);
+    addResource(type, name, picture);
+    return picture;
 }
 
 bool CMessageItemsDocument::hasImage(const QString& name) const

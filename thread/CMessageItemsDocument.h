@@ -23,7 +23,9 @@ class CMessageItemsDocument : public QTextDocument
     Q_OBJECT
 
 public:
-    enum DeliveryStatus
+    // Fixed to int: a status the document is handed may lie outside the named values, and it then shows no
+    // image instead of being an invalid enumeration value.
+    enum DeliveryStatus : int
     {
         NotDelivered = 0,
         Delivered = 1,
@@ -72,6 +74,13 @@ public:
     static const QString DeliveredImage;
     static const QString NotDeliveredImage;
     static const QString DeliveryFailedImage;
+
+protected:
+    // Message content names pictures, backgrounds and style sheets. Only pictures it carries itself (data:
+    // URLs) are read here, within CResourceGuard's limits, and kept as resources so that each is decoded
+    // once; picture files are left to the image handler, which reads them within the same limits. Nothing
+    // else, no style sheet and no background, is ever read from disk.
+    QVariant loadResource(int type, const QUrl& name) override;
 
 private:
     friend class TestMessageItemsDocument;

@@ -2,6 +2,7 @@
 
 #include "CBackgroundCapture.h"
 #include "CColorIndexes.h"
+#include "CNinePatch.h"
 #include "CVantrelApp.h"
 #include "MessageFormatProperties.h"
 #include "TextImageHandler.h"
@@ -75,6 +76,7 @@ struct QTextDocumentLayout::Background
 QTextDocumentLayout::QTextDocumentLayout(QTextDocument* document)
     : ::QTextDocumentLayout(document)
     , m_imageHandler(new TextImageHandler(this))
+    , m_shadows(QMarginsF(ShadowLeft, ShadowTop, ShadowRight, ShadowBottom))
 {
     registerHandler(QTextFormat::ImageObject, m_imageHandler);
 }
@@ -294,6 +296,7 @@ void QTextDocumentLayout::draw(QPainter* painter, const PaintContext& context)
     const QRectF area = context.clip.isValid() ? context.clip : QRectF(QPointF(0, 0), dynamicDocumentSize());
     // A shadow reaches beyond its background, so a background just outside the area may still paint into it.
     const QRectF visible = area.adjusted(-ShadowRight, -ShadowBottom, ShadowLeft, ShadowTop);
+    m_paintArea = area;
     const qreal scale =
         paintDevice() ? qreal(paintDevice()->logicalDpiY()) / qreal(qt_defaultDpi()) : qreal(1.0);
 
@@ -339,18 +342,16 @@ void QTextDocumentLayout::drawBackground(const QTextFormat& format, QPainter* pa
     painter->save();
     if (format.boolProperty(Shadow)) {
         const QColor page = CVantrelApp::GetColor(clrThreadBackground);
-        const QImage shadow =
-            m_shadows.shadow(rect.size(), radiiOf(format), page,
-                             [&](QPainter* p, const QRectF& shape, const QBrush& shapeBrush) {
-                                 fillRoundedBackground(format, p, shape, shapeBrush);
-                             });
+        const qreal ratio = painter->device() ? painter->device()->devicePixelRatioF() : qreal(1.0);
+        const QImage tile = m_shadows.tile(rect.size(), radiiOf(format), page, ratio,
+                                           [&](QPainter* p, const QRectF& shape, const QBrush& shapeBrush) {
+                                               fillRoundedBackground(format, p, shape, shapeBrush);
+                                           });
         painter->save();
         painter->setRenderHint(QPainter::Antialiasing);
         painter->setClipping(false);
         const QRectF target = rect.adjusted(-ShadowLeft, -ShadowTop, ShadowRight, ShadowBottom);
-        QRectF source(QPointF(0, 0), target.size());
-        source.moveCenter(QRectF(shadow.rect()).center());
-        painter->drawImage(target, shadow, source);
+        CNinePatch(tile).draw(painter, target, m_paintArea);
         painter->restore();
     }
     fillRoundedBackground(format, painter, rect, brush);

@@ -68,6 +68,8 @@ private:
 
     TextImageHandler* m_imageHandler = nullptr;
     CBubbleShadowCache m_shadows;
+    // The area being painted: a shadow stretched along a tall bubble is drawn only where it can be seen.
+    QRectF m_paintArea;
     mutable bool m_layoutPending = false;
     mutable QBasicTimer m_catchUpTimer;
 };

@@ -1,5 +1,6 @@
 #include "TextImageHandler.h"
 
+#include "CResourceGuard.h"
 #include "MessageFormatProperties.h"
 
 #include <QCoreApplication>
@@ -94,13 +95,18 @@ TextImageHandler::Description TextImageHandler::describe(QTextDocument* doc, con
 
 QImage TextImageHandler::renderTinted(const Description& d, const QByteArray& svg)
 {
-    if (!d.hasWidth || !d.hasHeight)
+    if (!d.hasWidth || !d.hasHeight || d.width <= 0 || d.height <= 0)
         return {};
     QByteArray tinted = svg;
     tinted.replace(kCurrentColor, d.tintColor.name().toLatin1());
     if (!m_renderer->load(tinted))
         return {};
-    QImage rendered(d.width, d.height, QImage::Format_ARGB32_Premultiplied);
+    // The size comes from the format, which content can set: the rendering never grows beyond the picture
+    // limit, and the painter scales it up to whatever size is asked.
+    QSize size(d.width, d.height);
+    if (size.width() > CResourceGuard::MaxImageSide || size.height() > CResourceGuard::MaxImageSide)
+        size.scale(CResourceGuard::MaxImageSide, CResourceGuard::MaxImageSide, Qt::KeepAspectRatio);
+    QImage rendered(size, QImage::Format_ARGB32_Premultiplied);
     rendered.fill(Qt::transparent);
     QPainter painter(&rendered);
     m_renderer->render(&painter);
@@ -114,7 +120,7 @@ QPixmap TextImageHandler::pixmap(QTextDocument* doc, const QTextImageFormat& for
     if (d.resource.userType() != QMetaType::QByteArray) {
         result = qvariant_cast<QPixmap>(d.resource);
     } else if (!d.tint) {
-        result.loadFromData(d.resource.toByteArray());
+        result = QPixmap::fromImage(CResourceGuard::decodeImage(d.resource.toByteArray()));
     } else {
         const QImage rendered = renderTinted(d, d.resource.toByteArray());
         if (!rendered.isNull()) {
@@ -124,8 +130,8 @@ QPixmap TextImageHandler::pixmap(QTextDocument* doc, const QTextImageFormat& for
     }
 
     if (result.isNull()) {
-        QImage loaded;
-        if (d.fileName.isEmpty() || !loaded.load(d.fileName))
+        const QImage loaded = CResourceGuard::readImage(d.fileName);
+        if (loaded.isNull())
             return QPixmap(fallbackImageName());
         result = QPixmap::fromImage(loaded);
         doc->addResource(QTextDocument::ImageResource, d.url, result);
@@ -142,7 +148,7 @@ QImage TextImageHandler::image(QTextDocument* doc, const QTextImageFormat& forma
     if (d.resource.userType() != QMetaType::QByteArray) {
         result = qvariant_cast<QImage>(d.resource);
     } else if (!d.tint) {
-        result.loadFromData(d.resource.toByteArray());
+        result = CResourceGuard::decodeImage(d.resource.toByteArray());
     } else {
         result = renderTinted(d, d.resource.toByteArray());
         if (!result.isNull())
@@ -150,7 +156,8 @@ QImage TextImageHandler::image(QTextDocument* doc, const QTextImageFormat& forma
     }
 
     if (result.isNull()) {
-        if (d.fileName.isEmpty() || !result.load(d.fileName))
+        result = CResourceGuard::readImage(d.fileName);
+        if (result.isNull())
             return QImage(fallbackImageName());
         doc->addResource(QTextDocument::ImageResource, d.url, result);
     }

@@ -1,7 +1,8 @@
 #pragma once
 // Draws every image of the thread document in place of the toolkit's own image handler, behaving as that
 // handler does (resources, files, high-resolution variants, sizing) and adding SVG images tinted with a
-// colour taken from the image format. A tinted SVG is rendered once per colour and kept as an image
+// colour taken from the image format. Files and data are read and decoded only within CResourceGuard's
+// limits: the names come from message content. A tinted SVG is rendered once per colour and kept as an image
 // resource of the document under "<name>_<#rrggbb>"; the SVG data itself is never replaced.
 // Owned by the document layout, which registers it for QTextFormat::ImageObject.
 

@@ -1,7 +1,8 @@
-// The cache of blurred bubble shadows: same pictures as a fresh computation, one computation per shape.
+// The bubble shadows: a small tile per shape, drawn in nine pieces, looks like the whole bubble blurred.
 #include "HostTestMain.h"
 
 #include "CBubbleShadowCache.h"
+#include "CNinePatch.h"
 
 #include <QPainter>
 
@@ -9,51 +10,82 @@ class TestBubbleShadowCache : public QObject
 {
     Q_OBJECT
 
-    static void square(QPainter* p, const QRectF& r, const QBrush& b) { p->fillRect(r, b); }
+    static inline const QMarginsF kReach{2, 1, 5, 5};
+    static inline const QColor kPage{QStringLiteral("#eef1f4")};
+
+    static void rounded(QPainter* p, const QRectF& r, const QBrush& b)
+    {
+        p->setPen(Qt::NoPen);
+        p->setBrush(b);
+        p->drawRoundedRect(r, 12, 12);
+    }
+
+    static int largestDifference(const QImage& a, const QImage& b)
+    {
+        int largest = 0;
+        for (int y = 0; y < a.height(); ++y) {
+            for (int x = 0; x < a.width(); ++x) {
+                const QRgb p = a.pixel(x, y);
+                const QRgb q = b.pixel(x, y);
+                largest = std::max({largest, std::abs(qRed(p) - qRed(q)), std::abs(qGreen(p) - qGreen(q)),
+                                    std::abs(qBlue(p) - qBlue(q))});
+            }
+        }
+        return largest;
+    }
 
 private slots:
-    void givesExactlyTheFreshPicture()
+    void ninePiecesLookLikeTheWholeBubbleBlurred_data()
     {
-        CBubbleShadowCache cache;
-        const QSizeF size(123.5, 47.25);
-        const QImage fresh = CBubbleShadowCache::render(size, Qt::white, square);
-        const QImage first = cache.shadow(size, {12, 12, 0, 12}, Qt::white, square);
-        const QImage second = cache.shadow(size, {12, 12, 0, 12}, Qt::white, square);
-        QCOMPARE(first, fresh);
-        QCOMPARE(second, fresh);
+        QTest::addColumn<QSizeF>("size");
+        QTest::addColumn<qreal>("ratio");
+        QTest::newRow("smaller than a tile") << QSizeF(60, 40) << 1.0;
+        QTest::newRow("wide") << QSizeF(530, 48) << 1.0;
+        QTest::newRow("tall") << QSizeF(90, 3000) << 1.0;
+        QTest::newRow("large, fractional") << QSizeF(411.5, 377.25) << 1.0;
+        QTest::newRow("large, high resolution") << QSizeF(300, 200) << 2.0;
+    }
+    void ninePiecesLookLikeTheWholeBubbleBlurred()
+    {
+        QFETCH(QSizeF, size);
+        QFETCH(qreal, ratio);
+        const QImage whole = CBubbleShadowCache::render(size, kReach, kPage, ratio, rounded);
+
+        CBubbleShadowCache cache(kReach);
+        QImage pieced(whole.size(), QImage::Format_ARGB32_Premultiplied);
+        pieced.setDevicePixelRatio(ratio);
+        pieced.fill(Qt::black);
+        QPainter painter(&pieced);
+        CNinePatch(cache.tile(size, {12, 12, 12, 12}, kPage, ratio, rounded))
+            .draw(&painter, QRectF(QPointF(0, 0), size.grownBy(kReach)));
+        painter.end();
+
+        QVERIFY(whole.pixelColor(whole.rect().center()) != kPage); // there is a shadow to compare
+        QVERIFY2(largestDifference(whole, pieced) <= 2,
+                 qPrintable(QString::number(largestDifference(whole, pieced))));
+        QVERIFY(cache.bytes() <= 128 * 1024);
+    }
+
+    void oneSmallTilePerShapeWhateverTheSize()
+    {
+        CBubbleShadowCache cache(kReach);
+        for (int height = 200; height <= 200000; height *= 10)
+            cache.tile(QSizeF(400, height), {12, 12, 0, 12}, kPage, 1.0, rounded);
         QCOMPARE(cache.misses(), 1);
-    }
+        const qsizetype oneTile = cache.bytes();
+        QVERIFY(oneTile < 64 * 1024);
 
-    void imageHasRoomAroundTheShapeAndIsBlurred()
-    {
-        const QImage image = CBubbleShadowCache::render(QSizeF(100, 40), QColor("#eef1f4"), square);
-        QCOMPARE(image.size(), QSize(200, 140));
-        QCOMPARE(image.pixelColor(25, 70), QColor("#eef1f4"));
-        // The shape's edge is softened: neither the page colour nor the shadow colour right at the edge.
-        const QColor edge = image.pixelColor(50, 70);
-        QVERIFY(edge != QColor("#eef1f4"));
-        QVERIFY(edge != QColor("#ccd1d1"));
-    }
-
-    void distinguishesSizeRadiiAndColour()
-    {
-        CBubbleShadowCache cache;
-        cache.shadow({100, 40}, {12, 12, 0, 12}, Qt::white, square);
-        cache.shadow({100, 41}, {12, 12, 0, 12}, Qt::white, square);
-        cache.shadow({100, 40}, {12, 12, 12, 0}, Qt::white, square);
-        cache.shadow({100, 40}, {12, 12, 0, 12}, Qt::gray, square);
-        cache.shadow({100, 40}, {12, 12, 0, 12}, Qt::white, square);
+        cache.tile(QSizeF(400, 300), {12, 12, 12, 0}, kPage, 1.0, rounded);
+        cache.tile(QSizeF(400, 300), {12, 12, 0, 12}, Qt::white, 1.0, rounded);
+        cache.tile(QSizeF(400, 300), {12, 12, 0, 12}, kPage, 2.0, rounded);
+        cache.tile(QSizeF(400, 300), {12, 12, 0, 12}, kPage, 1.0, rounded);
         QCOMPARE(cache.misses(), 4);
-        QCOMPARE(cache.count(), 4);
-    }
 
-    void dropsImagesBeyondItsBudget()
-    {
-        CBubbleShadowCache cache(200 * 140 * 4 * 2);
-        for (int i = 0; i < 5; ++i)
-            cache.shadow(QSizeF(100, 40 + i), {}, Qt::white, square);
-        QVERIFY(cache.count() <= 2);
-        QCOMPARE(cache.misses(), 5);
+        CBubbleShadowCache small(kReach, int(2 * oneTile));
+        for (int width = 10; width < 60; width += 10)
+            small.tile(QSizeF(width, 30), {}, kPage, 1.0, rounded);
+        QVERIFY(small.bytes() <= 2 * oneTile);
+        QCOMPARE(small.misses(), 5);
     }
 };
 
