@@ -195,11 +195,21 @@ private slots:
         QTRY_VERIFY(typing->text().isEmpty());
 
         // A newcomer's message has no name until the participant becomes known; the view stays put.
+        const auto fetches = [] {
+            const auto log = HostControl::requestLog();
+            return std::count_if(log.cbegin(), log.cend(), [](const HostControl::Request& request) {
+                return request.verb == "GET" && request.path.contains(QStringLiteral("/threads/"));
+            });
+        };
+        const qsizetype fetchesBefore = fetches();
         for (int i = 0; i < 12; ++i)
             HostControl::postMessage(kInvoice, QStringLiteral("Filler %1").arg(i));
         HostControl::postMessage(kInvoice, QStringLiteral("Hello from a colleague"),
                                  QStringLiteral("s-nora"));
         QTRY_VERIFY(screen.threadText().contains(QStringLiteral("colleague")));
+        // The posts make the conversation reload once it has them all; that ends at the newest message.
+        QTRY_VERIFY(fetches() > fetchesBefore && !screen.busy());
+        QTest::qWait(20); // the move to the end waits for an idle pass
         QTRY_COMPARE(screen.thread()->verticalScrollBar()->value(),
                      screen.thread()->verticalScrollBar()->maximum());
         screen.thread()->verticalScrollBar()->setValue(10);
