@@ -12,6 +12,7 @@
 #include "MessageFormatProperties.h"
 #include "QTextDocumentLayout.h"
 #include "QtHelpersImages.h"
+#include "TextImageHandler.h"
 #include "WatcherAliases.h"
 
 #include <QGuiApplication>
@@ -583,10 +584,13 @@ void CMessageItemsDocument::setDeliveryStatusForFrame(QTextTable* table, Deliver
         return id && id->kind == CBlockIdentification::MessageFooter;
     });
     if (footer.isValid()) {
+        // Moved inside an edit block, so that the cursor does not ask the layout where it stands.
         QTextCursor cursor(footer);
-        cursor.movePosition(QTextCursor::EndOfBlock);
-        cursor.movePosition(QTextCursor::PreviousCharacter, QTextCursor::KeepAnchor);
+        cursor.beginEditBlock();
+        cursor.setPosition(footer.position() + footer.length() - 2);
+        cursor.setPosition(footer.position() + footer.length() - 1, QTextCursor::KeepAnchor);
         insertDeliveryStatus(cursor, status);
+        cursor.endEditBlock();
     }
     // The failure tint deliberately outlives later states: it goes only when the message's table is rebuilt.
     if (status == DeliveryFailed) {
@@ -659,6 +663,36 @@ QString CMessageItemsDocument::makeProgressImage(int percent, const QString& fil
     return name;
 }
 
+// Puts `image` in place of the block's last character (its icon or mark). All of it happens inside an edit
+// block: a cursor moved outside one asks the layout where it stands, which lays out everything above it.
+void CMessageItemsDocument::replaceLastCharacter(const QTextBlock& block, const QTextImageFormat& image)
+{
+    const int at = block.position() + block.length() - 2;
+    if (at < block.position())
+        return;
+    QTextCharFormat shown;
+    for (auto it = block.begin(); !it.atEnd(); ++it)
+        shown = it.fragment().charFormat();
+    // A picture of the same size takes the old one's place without moving a line.
+    auto* layout = qobject_cast<newsReader::QTextDocumentLayout*>(documentLayout());
+    const bool sameSize = layout && shown.isImageFormat() &&
+                          layout->imageHandler()->intrinsicSize(this, at, shown) ==
+                              layout->imageHandler()->intrinsicSize(this, at, image);
+    const auto swap = [&] {
+        QTextCursor cursor(block);
+        cursor.beginEditBlock();
+        cursor.setPosition(at);
+        cursor.setPosition(at + 1, QTextCursor::KeepAnchor);
+        if (sameSize)
+            cursor.setCharFormat(image);
+        else
+            cursor.insertImage(image);
+        cursor.endEditBlock();
+    };
+    if (!sameSize || !layout->changeInPlace(swap))
+        swap();
+}
+
 void CMessageItemsDocument::setAttachProgress(const QString& attachmentId, int percent)
 {
     const QTextBlock block = findAttachmentIconBlock(attachmentId);
@@ -672,10 +706,7 @@ void CMessageItemsDocument::setAttachProgress(const QString& attachmentId, int p
         format.setAnchor(true);
         format.setAnchorHref(newsReader::abortLink(attachment));
     }
-    QTextCursor cursor(block);
-    cursor.movePosition(QTextCursor::EndOfBlock);
-    cursor.movePosition(QTextCursor::PreviousCharacter, QTextCursor::KeepAnchor);
-    cursor.insertImage(format);
+    replaceLastCharacter(block, format);
 }
 
 void CMessageItemsDocument::setAttachUploadProgress(const CMessageItemIndex& index,
@@ -692,10 +723,7 @@ void CMessageItemsDocument::setAttachUploadProgress(const CMessageItemIndex& ind
         return;
     QTextImageFormat format;
     format.setName(makeProgressImage(percent, id->attachment.fileName, false));
-    QTextCursor cursor(block);
-    cursor.movePosition(QTextCursor::EndOfBlock);
-    cursor.movePosition(QTextCursor::PreviousCharacter, QTextCursor::KeepAnchor);
-    cursor.insertImage(format);
+    replaceLastCharacter(block, format);
 }
 
 void CMessageItemsDocument::setContentsThumbnail(const CMessageItemIndex& index, const QString& attachmentId,

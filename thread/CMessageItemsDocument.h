@@ -12,6 +12,7 @@
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
+#include <QTextFormat>
 
 #include <functional>
 #include <optional>
@@ -114,6 +115,7 @@ private:
 
     // The block of kind `kind` for the attachment: looked up in the message that holds it, and only for an
     // attachment no registered message holds, in the whole document.
+    void replaceLastCharacter(const QTextBlock& block, const QTextImageFormat& image);
     QTextBlock findAttachmentBlock(const QString& attachmentId, int kind) const;
 
     CMessageRegister m_register;

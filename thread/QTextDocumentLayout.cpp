@@ -162,9 +162,32 @@ void QTextDocumentLayout::collectTable(QTextTable* table, const QRectF& visible,
 // thread appends to it message after message: laying out each insertion on its own cost more than building.
 // Its changes are only noted, and the layout catches up in one lazy pass, as after setting new text, when
 // anything asks for geometry or paints, when it gets a width, or at the latest once the event loop turns.
+bool QTextDocumentLayout::changeInPlace(const std::function<void()>& change)
+{
+    if (m_layoutPending || document()->textWidth() < 0 ||
+        QTextDocumentPrivate::get(document())->isInEditBlock())
+        return false;
+    m_inPlace = true;
+    change();
+    m_inPlace = false;
+    return true;
+}
+
 void QTextDocumentLayout::documentChanged(int from, int oldLength, int length)
 {
     QTextDocument* doc = document();
+    if (m_inPlace && oldLength == length) {
+        // The lines stay; the blocks' shaped text is made again when they are painted.
+        QRectF changed;
+        const QTextBlock last = doc->findBlock(std::max(from, from + length - 1));
+        for (QTextBlock block = doc->findBlock(from); block.isValid(); block = block.next()) {
+            changed |= blockBoundingRect(block);
+            if (block == last)
+                break;
+        }
+        emit update(changed);
+        return;
+    }
     if (doc->textWidth() < 0 && !doc->pageSize().isNull()) {
         // The lines of the changed blocks are stale whatever happens next; the base drops them first as well.
         QTextBlock block = doc->findBlock(from);

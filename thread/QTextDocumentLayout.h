@@ -9,7 +9,9 @@
 #include "CBubbleShadowCache.h"
 
 #include <QBasicTimer>
+
 #include <QtGui/private/qtextdocumentlayout_p.h>
+#include <functional>
 
 class QTextTable;
 class TextImageHandler;
@@ -33,6 +35,12 @@ public:
 
     // True while changes to a document without a text width wait to be laid out.
     bool layoutPending() const { return m_layoutPending; }
+
+    // Runs `change`, which must leave every line where it is (an inline picture swapped for one of the same
+    // size, say a download's progress ring): the changed blocks are repainted, not laid out again. A long
+    // thread would otherwise be walked from the change to its end. Returns false, running nothing, when the
+    // layout is not current (then the ordinary way is as cheap).
+    bool changeInPlace(const std::function<void()>& change);
 
     TextImageHandler* imageHandler() const { return m_imageHandler; }
     const CBubbleShadowCache& shadowCache() const { return m_shadows; }
@@ -71,6 +79,7 @@ private:
     // The area being painted: a shadow stretched along a tall bubble is drawn only where it can be seen.
     QRectF m_paintArea;
     mutable bool m_layoutPending = false;
+    bool m_inPlace = false;
     mutable QBasicTimer m_catchUpTimer;
 };
 

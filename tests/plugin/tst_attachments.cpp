@@ -10,12 +10,14 @@
 #include "ConversationScreen.h"
 #include "HostFiles.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QDir>
 #include <QDirIterator>
 #include <QListView>
 #include <QMenu>
 #include <QScrollBar>
 #include <QTemporaryDir>
+#include <QTextBlock>
 
 namespace {
 
@@ -40,6 +42,19 @@ QStringList launched()
     for (const HostControl::Event& event : HostControl::events(QStringLiteral("launchFile")))
         paths << event.details.value(QStringLiteral("path")).toString();
     return paths;
+}
+
+// The block whose picture is the image resource `name`.
+QTextBlock blockShowing(const CMessageItemsDocument* document, const QString& name)
+{
+    for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
+        for (auto it = block.begin(); !it.atEnd(); ++it) {
+            const QTextCharFormat format = it.fragment().charFormat();
+            if (format.isImageFormat() && format.toImageFormat().name() == name)
+                return block;
+        }
+    }
+    return {};
 }
 
 bool documentHasImage(const CMessageItemsDocument* document, const QString& name)
@@ -93,6 +108,15 @@ private slots:
         QVERIFY(choose(screen, QStringLiteral("att-scan-log"), QStringLiteral("scan-log.txt"), 0));
         // While the file is on its way the tile shows the ring, which cancels on click.
         QVERIFY(screen.document()->toHtml().contains(QStringLiteral("progress0-cancellable")));
+        screen.document()->setAttachProgress(QStringLiteral("att-scan-log"), 40);
+        const QTextBlock ring = blockShowing(screen.document(), QStringLiteral("progress40-cancellable"));
+        QVERIFY(ring.isValid());
+        const QRectF ringRect = screen.document()->documentLayout()->blockBoundingRect(ring);
+        const QPoint onRing =
+            ringRect.center().toPoint() - QPoint(0, screen.thread()->verticalScrollBar()->value());
+        QCOMPARE(screen.thread()->anchorAt(onRing), QStringLiteral("abort://att-scan-log"));
+        if (!qEnvironmentVariableIsEmpty("NEWSREADER_GRAB"))
+            screen.thread()->grab().save(qEnvironmentVariable("NEWSREADER_GRAB"));
         QVERIFY(launched().isEmpty());
         HostControl::releaseAllRequests();
         QTRY_COMPARE(launched().size(), 1);
