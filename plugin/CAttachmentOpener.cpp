@@ -189,8 +189,14 @@ void CAttachmentOpener::makeThumbnail(const CMessageItemIndex& index, const QStr
     if (!handler)
         return;
     const QPixmap thumbnail = handler->getThumbnail(ThumbnailSize, item);
-    if (!thumbnail.isNull())
-        m_document.setContentsThumbnail(index, attachmentId, thumbnail);
+    if (thumbnail.isNull())
+        return;
+    // A reader at the newest message stays there while the pictures above grow the thread.
+    QScrollBar* bar = m_thread ? m_thread->verticalScrollBar() : nullptr;
+    const bool atEnd = bar && bar->value() == bar->maximum();
+    m_document.setContentsThumbnail(index, attachmentId, thumbnail);
+    if (atEnd)
+        bar->setValue(bar->maximum());
 }
 
 void CAttachmentOpener::download(const QString& attachmentId, const QString& name, bool report,

@@ -202,6 +202,9 @@ private slots:
         QVERIFY(!documentHasImage(document, QStringLiteral("att-diagtool-thumbnail")));
         QVERIFY(!documentHasImage(document, QStringLiteral("att-scan-log-thumbnail")));
         QCOMPARE(downloadsOf(QStringLiteral("att-diagtool")), 0);
+        // The pictures grew the thread above the newest message, which is still in view.
+        const QScrollBar* bar = screen.thread()->verticalScrollBar();
+        QCOMPARE(bar->value(), bar->maximum());
         // A thumbnail still opens its menu.
         QVERIFY(document->attachmentRect(QStringLiteral("att-guide")).isValid());
         QVERIFY(choose(screen, QStringLiteral("att-guide"), QStringLiteral("exceptions-guide.pdf"), 0));
