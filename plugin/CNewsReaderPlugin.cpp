@@ -18,7 +18,6 @@
 #include "ConfigurableObjects.h"
 #include "HostWindows.h"
 #include "MetaTypes.h"
-#include "QtHelpersImages.h"
 #include "QtHelpersInvoke.h"
 
 #include <QLabel>
@@ -46,8 +45,6 @@ constexpr int kFirstPage = 0;
 
 CNewsReaderPlugin::CNewsReaderPlugin()
     : CAbstractKolPlugin(nullptr)
-    , m_pluginIconName(QString::fromLatin1(kIconNoNews))
-    , m_pluginIcon(qtHelpers::images::icon(m_pluginIconName))
     , m_previewManager(nullptr)
     , m_typingViewModel(this)
     , m_newsFetcher(vantrelApp ? vantrelApp->getNewsFetcher() : nullptr)
@@ -200,7 +197,7 @@ QString CNewsReaderPlugin::getCaption() const
 
 QIcon CNewsReaderPlugin::getPluginIcon() const
 {
-    return m_pluginIcon;
+    return m_attention.icon();
 }
 
 bool CNewsReaderPlugin::hasPluginView() const
@@ -254,20 +251,7 @@ QWidget* CNewsReaderPlugin::createEmptyListWidget()
 
 void CNewsReaderPlugin::restoreSelection()
 {
-    CCommunicationObjectModel* model = m_communicationModel.get();
-    for (int row = 0; row < model->rowCount(); ++row) {
-        const QModelIndex folder = model->index(row, 0);
-        if (folder.data(CCommunicationObjectModel::ExpandedRole).toBool())
-            emit listItemExpandRequest(folder);
-        if (!folder.data(CCommunicationObjectModel::FolderIdRole).toBool())
-            continue;
-        for (int child = 0; child < model->rowCount(folder); ++child)
-            emit listItemEditorRequest(model->index(child, 0, folder));
-    }
-    if (m_currentIndex.isValid())
-        emit listItemSelectionRequest(m_currentIndex, kSelectRowFlags);
-    else
-        selectItem(startItem());
+    m_navigator.restore(m_currentIndex);
 }
 
 void CNewsReaderPlugin::onPluginViewShown()
@@ -325,7 +309,7 @@ void CNewsReaderPlugin::setIsSelected(bool value)
     if (value)
         emit stopPluginAnimation(this);
     else
-        runAttentionRule();
+        m_attention.runAttentionRule();
     CAbstractKolPlugin::setIsSelected(value);
 }
 
@@ -377,25 +361,19 @@ void CNewsReaderPlugin::onSetWebPageContentFinished(bool)
 
 void CNewsReaderPlugin::onCommunicationItemsModelPopulated()
 {
-    refreshIcon(true);
+    m_attention.refresh(true, m_viewSetUp);
     if (isSelected())
         restoreSelection();
-    if (!m_pendingNewsEntryId.isEmpty()) {
-        const QModelIndex requested = findEntry(m_pendingNewsEntryId);
-        if (requested.isValid()) {
-            selectItem(requested);
-            m_pendingNewsEntryId.clear();
-        }
-    }
+    m_navigator.selectRequested();
     if (!m_currentIndex.isValid() && m_viewSetUp)
-        selectItem(startItem());
+        m_navigator.select(m_navigator.startItem());
     chooseRightHandPageWhenIdle();
     showUrgentToast();
 }
 
 void CNewsReaderPlugin::onEntryReadStatusChanged(Messenger::MessageEntryPtr entry)
 {
-    const QModelIndex index = entry ? findEntry(entry->id) : QModelIndex();
+    const QModelIndex index = entry ? m_navigator.find(entry->id) : QModelIndex();
     if (index.isValid()) {
         emit listItemExpandRequest(index.parent());
         // The user is looking at it: whatever the fetcher says, the shown entry stays read.
@@ -405,7 +383,7 @@ void CNewsReaderPlugin::onEntryReadStatusChanged(Messenger::MessageEntryPtr entr
         }
         m_communicationModel->refreshItem(index);
     }
-    refreshIcon(!isSelected());
+    m_attention.refresh(!isSelected(), m_viewSetUp);
 }
 
 void CNewsReaderPlugin::onListItemExpanded(const QModelIndex& index)
@@ -424,7 +402,7 @@ void CNewsReaderPlugin::onSyncViewRequest()
     chooseRightHandPageWhenIdle();
     if (!m_notice.hasUrgent() && !m_notice.showNewsSetting())
         emit stopPluginAnimation(this);
-    refreshIcon(false);
+    m_attention.refresh(false, m_viewSetUp);
 }
 
 void CNewsReaderPlugin::onToastClicked()
@@ -476,15 +454,9 @@ void CNewsReaderPlugin::onApplicationEvent(QEvent* event)
     if (!event || event->type() != CReadNewsEntryRequest::EventType)
         return;
     const auto* request = static_cast<CReadNewsEntryRequest*>(event);
-    m_pendingNewsEntryId = request->getNewsEntryId();
     m_pendingRequestFlags = request->getFlags();
     event->accept();
-
-    const QModelIndex listed = findEntry(m_pendingNewsEntryId);
-    if (listed.isValid()) {
-        selectItem(listed);
-        m_pendingNewsEntryId.clear();
-    } else if (m_newsFetcher) {
+    if (!m_navigator.request(request->getNewsEntryId()) && m_newsFetcher) {
         // The entry is not listed yet: have the fetcher reload the conversations; the next population
         // selects it.
         m_newsFetcher->startFetchIssues();
@@ -492,61 +464,10 @@ void CNewsReaderPlugin::onApplicationEvent(QEvent* event)
     setIsSelected(true);
 }
 
-void CNewsReaderPlugin::refreshIcon(bool allowAnimation)
-{
-    bool notice = false;
-    const QString name = m_notice.iconName(&notice);
-    if (name != m_pluginIconName) {
-        m_pluginIconName = name;
-        m_pluginIcon = qtHelpers::images::icon(name);
-    }
-
-    if (!allowAnimation || isSelected())
-        emit pluginDataChanged();
-    else
-        runAttentionRule();
-
-    QWidget* mainWindow = vantrelApp ? vantrelApp->mainWidget() : nullptr;
-    if (notice && mainWindow && !mainWindow->isActiveWindow() && m_viewSetUp)
-        flashWindow(mainWindow->winId(), kFlashCount);
-}
-
-void CNewsReaderPlugin::runAttentionRule()
-{
-    if (const std::optional<int> mode = m_notice.attentionMode())
-        emit beginPluginAnimation(this, *mode);
-}
-
-void CNewsReaderPlugin::selectItem(const QModelIndex& index)
-{
-    if (!index.isValid())
-        return;
-    if (!index.data(CCommunicationObjectModel::IsFolderRole).toBool())
-        emit listItemExpandRequest(index.parent());
-    emit listItemSelectionRequest(index, kSelectRowFlags);
-}
-
-QModelIndex CNewsReaderPlugin::findEntry(const QString& id) const
-{
-    const QModelIndex index = m_communicationModel->indexForKey(id);
-    if (index.data(CCommunicationObjectModel::IsFolderRole).toBool())
-        return {};
-    return index;
-}
-
-QModelIndex CNewsReaderPlugin::startItem() const
-{
-    const QModelIndex first = m_communicationModel->index(0, 0);
-    if (!first.isValid() ||
-        first.data(CCommunicationObjectModel::FolderIdRole).toInt() == kNoStartSelectionFolderId)
-        return {};
-    return m_communicationModel->index(0, 0, first);
-}
-
 void CNewsReaderPlugin::markRead(const QModelIndex& index)
 {
     m_communicationModel->setData(index, true, CCommunicationObjectModel::ReadRole);
-    refreshIcon(false);
+    m_attention.refresh(false, m_viewSetUp);
 }
 
 void CNewsReaderPlugin::showItem(const QModelIndex& index)

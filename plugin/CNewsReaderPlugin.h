@@ -9,8 +9,10 @@
 #include "CAttachmentsModel.h"
 #include "CFilePreviewManager.h"
 #include "CIncidentCommunication.h"
+#include "CListNavigator.h"
 #include "CMessageItemsDocument.h"
 #include "CNewsNotice.h"
+#include "CPluginAttention.h"
 #include "CRightHandPage.h"
 #include "EntityDto.h"
 #include "MessageEntry.h"
@@ -118,20 +120,12 @@ public slots:
 private:
     void onApplicationEvent(QEvent* event);
     void connectNewsFetcher();
-    void refreshIcon(bool allowAnimation);
-    void runAttentionRule();
     void onProgressTimeout();
     void onNewIncidentCreated(const EntityDto::EntityDto& ticket);
     // The can-send rule and whether the shown conversation takes messages, announced to the buttons.
     void updateComposerState();
     // The conversation's draft changed on the server side: the shown one gets it into its composer.
     void onDraftChanged(const QModelIndex& index);
-    // Expands the entry's folder and asks the host to select the item.
-    void selectItem(const QModelIndex& index);
-    // The listed news entry or conversation with that id, or the invalid index.
-    QModelIndex findEntry(const QString& id) const;
-    // The item the list starts with when nothing is selected yet.
-    QModelIndex startItem() const;
     // Sets the entry's read mark (the model tells the news fetcher) and refreshes the icon quietly.
     void markRead(const QModelIndex& index);
     // Shows a news entry in the web page or a conversation in the thread; `index` is not a folder.
@@ -154,9 +148,6 @@ private:
     CAttachmentsModel m_attachmentsModel;
     CMessageItemsDocument m_threadDocument;
     QPersistentModelIndex m_currentIndex;
-    QString m_pluginIconName;
-    QIcon m_pluginIcon;
-    QString m_pendingNewsEntryId;
     QString m_pendingRequestText;
     CFilePreviewManager m_previewManager;
     QTimer m_progressTimer;
@@ -165,6 +156,8 @@ private:
     std::shared_ptr<CCommunicationObjectModel> m_communicationModel;
     CNewsNotice m_notice;
     CRightHandPage m_rightHandPage;
+    CListNavigator m_navigator{*this, *m_communicationModel};
+    CPluginAttention m_attention{*this, m_notice};
     CAttachmentOpener* m_attachmentOpener = nullptr;
     QPointer<QStackedWidget> m_inputAreaStack;
     QPointer<QTextBrowser> m_issueMessages;
