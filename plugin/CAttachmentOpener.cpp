@@ -6,8 +6,10 @@
 #include "CBrowserItemMetaData.h"
 #include "CFilePreviewHandler.h"
 #include "CFilePreviewManager.h"
+#include "CMessageBody.h"
 #include "CMessageItemsDocument.h"
 #include "CVantrelApp.h"
+#include "CWholeMessageWindow.h"
 #include "ChatServiceApi.h"
 #include "FileDialogs.h"
 #include "HostFiles.h"
@@ -92,8 +94,21 @@ void CAttachmentOpener::onLinkClicked(const QUrl& url)
     }
     if (newsReader::isAbortLink(href))
         return;
+    if (CMessageBody::isWholeTextLink(href)) {
+        showWholeMessage(CMessageBody::messageIdFromWholeTextLink(href));
+        return;
+    }
     if (vantrelApp)
         vantrelApp->onExternalBrowserLinkClicked(href);
+}
+
+void CAttachmentOpener::showWholeMessage(const QString& messageId)
+{
+    const CMessageItemIndex index = m_document.messageIndex(messageId);
+    if (!index.isValid() || !m_thread)
+        return;
+    auto* window = new CWholeMessageWindow(index.message.senderName, index.message.text, m_thread->window());
+    window->show();
 }
 
 void CAttachmentOpener::showMenu(const QString& attachmentId, const QString& name)

@@ -1,7 +1,7 @@
 #pragma once
-// What the thread does with its attachments: the menu of a clicked tile ("Open", "Save as..."), downloads
-// into the cache folder with the progress ring on the tile, launching and saving the downloaded file, and
-// the thumbnails of image attachments. Every other link of the thread goes to the system browser.
+// What the thread does with its links and attachments: the menu of a clicked tile ("Open", "Save as..."),
+// downloads into the cache folder with the progress ring on the tile, launching and saving the downloaded
+// file, and the thumbnails of image attachments. Every other link of the thread goes to the system browser.
 //
 // The server is not trusted: the thread id, attachment ids and file names it sends become folder and file
 // names only after they have been made safe, and nothing is ever written outside the cache folder or the
@@ -62,6 +62,8 @@ private:
     };
 
     void showMenu(const QString& attachmentId, const QString& name);
+    // The whole text of a message the thread shows shortened, in a window of its own.
+    void showWholeMessage(const QString& messageId);
     // Runs `done` with the cached file, downloading it first when needed; `done` gets an empty path when the
     // download failed (the user has been told).
     void download(const QString& attachmentId, const QString& name, bool report, Completion done);

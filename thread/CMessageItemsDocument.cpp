@@ -4,6 +4,7 @@
 #include "CBlockIdentification.h"
 #include "CColorIndexes.h"
 #include "CFrameTreeSplicer.h"
+#include "CMessageBody.h"
 #include "CResourceGuard.h"
 #include "CShellImageList.h"
 #include "CVantrelApp.h"
@@ -423,14 +424,40 @@ void CMessageItemsDocument::insertBody(QTextCursor& cursor, const CIncidentCommu
         deletedFormat.setForeground(hostColor(clrSecondaryText));
         cursor.setBlockCharFormat(deletedFormat);
         cursor.insertText(QObject::tr("Message is deleted"), deletedFormat);
-    } else if (html) {
+        return;
+    }
+    const CMessageBody body(message.text, html);
+    switch (body.kind()) {
+    case CMessageBody::Html:
         // Parsing against this document first resolves the body's resources the way the toolkit's own
         // insertion does; the body itself goes in exactly as received.
-        QTextDocumentFragment::fromHtml(message.text, this).toHtml();
-        cursor.insertHtml(message.text);
-    } else {
-        cursor.insertMarkdown(message.text, QTextDocument::MarkdownDialectGitHub);
+        QTextDocumentFragment::fromHtml(body.text(), this).toHtml();
+        cursor.insertHtml(body.text());
+        break;
+    case CMessageBody::Markdown:
+        cursor.insertMarkdown(body.text(), QTextDocument::MarkdownDialectGitHub);
+        break;
+    case CMessageBody::PlainText:
+        cursor.insertText(body.text(), cursor.blockCharFormat());
+        break;
     }
+    if (body.shortened())
+        insertShortenedNote(cursor, message.id);
+}
+
+void CMessageItemsDocument::insertShortenedNote(QTextCursor& cursor, const QString& messageId)
+{
+    QTextCharFormat note = smallSecondaryFormat();
+    note.setFontItalic(true);
+    cursor.insertBlock(QTextBlockFormat(), note);
+    cursor.insertText(QObject::tr("This message is long: only its beginning is shown.") + QLatin1Char(' '),
+                      note);
+    QTextCharFormat link = note;
+    link.setAnchor(true);
+    link.setAnchorHref(CMessageBody::wholeTextLink(messageId));
+    link.setFontUnderline(true);
+    link.setForeground(hostColor(clrLink));
+    cursor.insertText(QObject::tr("Show the whole message"), link);
 }
 
 void CMessageItemsDocument::insertFooter(QTextCursor& cursor, const CIncidentCommunication& message)

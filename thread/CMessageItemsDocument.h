@@ -95,6 +95,7 @@ private:
     void insertAttachmentTable(QTextCursor& cursor, const CIncidentAttachment& attachment, bool first);
     void insertBody(QTextCursor& cursor, const CIncidentCommunication& message);
     void insertFooter(QTextCursor& cursor, const CIncidentCommunication& message);
+    void insertShortenedNote(QTextCursor& cursor, const QString& messageId);
     void insertSizeLine(QTextCursor& cursor, const CIncidentAttachment& attachment, qreal bottomMargin);
     QString extensionIcon(const CIncidentAttachment& attachment);
 

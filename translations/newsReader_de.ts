@@ -192,5 +192,25 @@
         <source>&quot;%1&quot; could not be downloaded. Please try again later.</source>
         <translation>„%1“ konnte nicht heruntergeladen werden. Bitte versuchen Sie es später erneut.</translation>
     </message>
+    <message>
+        <source>This message is long: only its beginning is shown.</source>
+        <translation>Diese Nachricht ist lang: Nur ihr Anfang wird angezeigt.</translation>
+    </message>
+    <message>
+        <source>Show the whole message</source>
+        <translation>Ganze Nachricht anzeigen</translation>
+    </message>
+    <message>
+        <source>Whole message</source>
+        <translation>Ganze Nachricht</translation>
+    </message>
+    <message>
+        <source>Whole message from %1</source>
+        <translation>Ganze Nachricht von %1</translation>
+    </message>
+    <message>
+        <source>Message</source>
+        <translation>Nachricht</translation>
+    </message>
 </context>
 </TS>

@@ -7,14 +7,17 @@
 #include "CAttachmentOpener.h"
 #include "CAttachmentsModel.h"
 #include "CFilePreviewManager.h"
+#include "CMessageBody.h"
 #include "ConversationScreen.h"
 #include "HostFiles.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QDialog>
 #include <QDir>
 #include <QDirIterator>
 #include <QListView>
 #include <QMenu>
+#include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTextBlock>
@@ -231,6 +234,22 @@ private slots:
         HostControl::scriptOpenFileDialog({});
         screen.control<QToolButton>("addAttachment")->click();
         QCOMPARE(list->model()->rowCount(), 3);
+    }
+
+    void aShortenedMessageOpensWhole()
+    {
+        ConversationScreen screen;
+        QVERIFY(screen.open(kPrinter));
+        const QString body = QStringLiteral("A long line of the log that support pasted.\n").repeated(2000);
+        const QString id = HostControl::postMessage(kPrinter, body);
+        QTRY_VERIFY(screen.document()->messageIndex(id).isValid());
+        QVERIFY(screen.threadText().contains(QStringLiteral("only its beginning is shown")));
+        emit screen.thread()->anchorClicked(QUrl(CMessageBody::wholeTextLink(id)));
+        auto* window = screen.thread()->window()->findChild<QDialog*>(QStringLiteral("wholeMessageWindow"));
+        QVERIFY(window && window->isVisible());
+        QCOMPARE(window->findChild<QPlainTextEdit*>()->toPlainText().trimmed(), body.trimmed());
+        QVERIFY(HostControl::events(QStringLiteral("openLink")).isEmpty());
+        window->close();
     }
 
     void namesFromTheServerNeverLeaveTheCacheFolder_data()

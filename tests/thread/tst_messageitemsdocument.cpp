@@ -2,6 +2,7 @@
 #include "HostTestMain.h"
 
 #include "CBlockIdentification.h"
+#include "CMessageBody.h"
 #include "CMessageItemsDocument.h"
 #include "MessageFormatProperties.h"
 #include "WatcherAliases.h"
@@ -9,6 +10,7 @@
 #include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <QTextBlock>
 #include <QTextTable>
 
 using namespace newsReader::MessageFormatProperties;
@@ -306,6 +308,89 @@ private slots:
         QCOMPARE(doc.resource(QTextDocument::ImageResource, QUrl("AvatarSingle")).userType(),
                  QMetaType::QByteArray);
         QVERIFY(doc.resource(QTextDocument::ImageResource, QUrl("progress40-cancellable")).isNull());
+    }
+
+    // Bodies whose size or shape would take the layout longer than a moment: shown shortened with a link to
+    // the whole text, or as plain text; never lost, and a later version replaces them as usual.
+    void bodiesTooLongOrTooComplexAreShownShortenedOrPlain_data()
+    {
+        QTest::addColumn<QString>("body");
+        QTest::addColumn<bool>("shortened");
+        QTest::addColumn<bool>("rich");
+        const QString paragraph = QStringLiteral("Some **bold** words in a paragraph.\n\n");
+        QTest::newRow("ordinary markdown") << paragraph.repeated(10) << false << true;
+        QTest::newRow("ordinary html") << QStringLiteral("<p>Some <b>bold</b> words</p>") << false << true;
+        QTest::newRow("long markdown") << paragraph.repeated(3000) << true << true;
+        QTest::newRow("one long word") << QString(300000, QLatin1Char('w')) << true << false;
+        QTest::newRow("nested tables")
+            << QStringLiteral("<table><tr><td>").repeated(20) + QStringLiteral("deep") +
+                   QStringLiteral("</td></tr></table>").repeated(20)
+            << false << false;
+        QTest::newRow("nested divs") << QStringLiteral("<div>").repeated(3000) + QStringLiteral("x</div>")
+                                     << false << false;
+        QTest::newRow("deep list") << [] {
+            QString text;
+            for (int i = 0; i < 60; ++i)
+                text += QString(i * 2, QLatin1Char(' ')) + QStringLiteral("- **level**\n");
+            return text;
+        }() << false << false;
+        QTest::newRow("many pictures")
+            << QStringLiteral("<p><img src=\"missing.png\"> <b>x</b></p>").repeated(300) << false << false;
+        QTest::newRow("table rows") << QStringLiteral("| a | **b** |\n|---|---|\n") +
+                                           QStringLiteral("| 1 | **2** |\n").repeated(600)
+                                    << false << false;
+    }
+
+    void bodiesTooLongOrTooComplexAreShownShortenedOrPlain()
+    {
+        QFETCH(QString, body);
+        QFETCH(bool, shortened);
+        QFETCH(bool, rich);
+        CMessageItemsDocument doc;
+        const CMessageItemIndex index = doc.appendMessage(message("m1", true, body));
+        QVERIFY(index.isValid());
+        QCOMPARE(doc.messageIndex("m1").message.text, body);
+
+        bool bold = false;
+        bool note = false;
+        int pictures = 0;
+        int tables = 0;
+        for (QTextBlock block = doc.begin(); block.isValid(); block = block.next()) {
+            for (auto it = block.begin(); !it.atEnd(); ++it) {
+                const QTextCharFormat format = it.fragment().charFormat();
+                bold |= format.fontWeight() >= QFont::Bold && it.fragment().text() != QStringLiteral("Anna");
+                note |= CMessageBody::messageIdFromWholeTextLink(format.anchorHref()) == QStringLiteral("m1");
+                pictures +=
+                    format.isImageFormat() && format.toImageFormat().name() != QStringLiteral("AvatarSingle");
+            }
+        }
+        for (QTextFrame* frame : index.frame->childFrames())
+            tables += qobject_cast<QTextTable*>(frame) != nullptr;
+        QCOMPARE(note, shortened);
+        QVERIFY(doc.toPlainText().size() <= CMessageBody::MaxCharacters + 500);
+        if (!rich) {
+            QVERIFY(!bold);
+            QCOMPARE(pictures, 0);
+            QCOMPARE(tables, 0);
+        } else {
+            QVERIFY(bold);
+        }
+
+        // A later version replaces it as usual.
+        CIncidentCommunication edited = message("m1", true, QStringLiteral("short"));
+        edited.editVersion = 2;
+        doc.replaceMessage(doc.messageIndex("m1"), edited);
+        QVERIFY(bubbleText(messageTables(doc).constFirst()).contains(QStringLiteral("short")));
+        QCOMPARE(messageTables(doc).size(), 1);
+    }
+
+    void controlCharactersShowAsReplacementCharacters()
+    {
+        CMessageItemsDocument doc;
+        doc.appendMessage(message("m1", true, QStringLiteral("a%1b%2c\tend").arg(QChar(0)).arg(QChar(0x1b))));
+        const QString shown = doc.toPlainText();
+        QVERIFY(!shown.contains(QChar(0)) && !shown.contains(QChar(0x1b)));
+        QVERIFY(shown.contains(QStringLiteral("a\uFFFDb\uFFFDc\tend")));
     }
 };
 
