@@ -1,5 +1,7 @@
 #include "RichTextInputWrapper.h"
 
+#include "CMarkdownWriter.h"
+
 #include "QtHelpersImages.h"
 
 #include <QComboBox>
@@ -195,7 +197,7 @@ QString RichTextInputWrapper::messageMarkdown(const QTextDocument* document)
 {
     if (!document)
         return QString();
-    return document->toMarkdown(QTextDocument::MarkdownDialectGitHub).trimmed();
+    return CMarkdownWriter::write(document);
 }
 
 bool RichTextInputWrapper::eventFilter(QObject* watched, QEvent* event)
