@@ -524,8 +524,9 @@ void CNewsReaderPlugin::chooseRightHandPage(bool expanding)
 
 void CNewsReaderPlugin::showUrgentToast()
 {
-    // The first population runs inside the constructor, before the host listens: a toast then would be lost.
-    if (m_toastShown || !isSignalConnected(QMetaMethod::fromSignal(&CAbstractKolPlugin::pluginToastRequest)))
+    // Asked for once in the plugin's lifetime, by the first population that finds urgent news, even the one
+    // that runs while the plugin is being created (before anyone can listen).
+    if (m_toastShown)
         return;
     const Messenger::MessageEntryPtr entry = m_notice.newestUrgent();
     if (!entry)

@@ -701,7 +701,7 @@ void CMessageItemsDocument::replaceLastCharacter(const QTextBlock& block, const 
     for (auto it = block.begin(); !it.atEnd(); ++it)
         shown = it.fragment().charFormat();
     // A picture of the same size takes the old one's place without moving a line.
-    auto* layout = qobject_cast<newsReader::QTextDocumentLayout*>(documentLayout());
+    auto* layout = dynamic_cast<newsReader::QTextDocumentLayout*>(documentLayout());
     const bool sameSize = layout && shown.isImageFormat() &&
                           layout->imageHandler()->intrinsicSize(this, at, shown) ==
                               layout->imageHandler()->intrinsicSize(this, at, image);

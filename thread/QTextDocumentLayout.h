@@ -18,10 +18,11 @@ class TextImageHandler;
 
 namespace newsReader {
 
+// Deliberately without Q_OBJECT: the layout presents itself to the meta-object system exactly as the
+// toolkit's own ("QTextDocumentLayout", with its properties), so anything that looks a layout up by its
+// class name finds it.
 class QTextDocumentLayout : public ::QTextDocumentLayout
 {
-    Q_OBJECT
-
 public:
     explicit QTextDocumentLayout(QTextDocument* document);
     ~QTextDocumentLayout() override;

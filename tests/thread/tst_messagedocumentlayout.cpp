@@ -40,6 +40,15 @@ class TestMessageDocumentLayout : public QObject
     }
 
 private slots:
+    void presentsItselfAsTheToolkitsLayout()
+    {
+        CMessageItemsDocument doc;
+        const QMetaObject* meta = doc.documentLayout()->metaObject();
+        QCOMPARE(meta->className(), "QTextDocumentLayout");
+        for (const char* property : {"cursorWidth", "idealWidth", "contentHasAlignment"})
+            QVERIFY2(meta->indexOfProperty(property) >= 0, property);
+    }
+
     void roundsEveryCornerButTheOneNextToTheSender_data()
     {
         QTest::addColumn<bool>("other");
