@@ -13,9 +13,15 @@ public:
     static constexpr int kDefaultWidth = 1280;
     static constexpr int kDefaultHeight = 800;
 
-    // Parses `arguments` (argv as a list). --help and --version print and exit inside; other faults return
-    // false with `error` set.
-    bool parse(const QStringList& arguments, QString* error);
+    enum Outcome
+    {
+        Run,      // the options are fine: start the host
+        Done,     // --help or --version was answered in `message`
+        BadInput, // `message` says what is wrong and points to --help
+    };
+
+    // Parses `arguments` (argv as a list). Needs no application object and no display.
+    Outcome parse(const QStringList& arguments, QString* message);
 
     // Empty: use the default folders.
     QString pluginFolder;

@@ -16,6 +16,7 @@
 #include <QWindow>
 
 #include <cstdio>
+#include <unistd.h>
 
 namespace {
 constexpr int kExitBadInput = 2;
@@ -101,18 +102,37 @@ void releasePlugins(const QList<PluginLoadResult>& results)
 
 int main(int argc, char** argv)
 {
-    // The host runs as root in containers; the web engine's renderer refuses that unless sandboxing is off.
-    if (!qEnvironmentVariableIsSet(kSandboxVariable.constData()))
+    // The command line is read before anything needs a display: --help, --version and mistakes work anywhere.
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    HostOptions options;
+    QString message;
+    switch (options.parse(arguments, &message)) {
+    case HostOptions::Done:
+        printLine(stdout, message);
+        return 0;
+    case HostOptions::BadInput:
+        printLine(stderr, message);
+        return kExitBadInput;
+    case HostOptions::Run:
+        break;
+    }
+
+    // The web engine's sandbox cannot work for root (containers run the host so); everywhere else it stays
+    // on.
+    if (geteuid() == 0 && !qEnvironmentVariableIsSet(kSandboxVariable.constData())) {
         qputenv(kSandboxVariable.constData(), QByteArrayLiteral("1"));
+        printLine(stderr,
+                  QStringLiteral("Running as root: the web engine's sandbox is turned off for news pages."));
+    }
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     CVantrelApp app(argc, argv);
 
-    HostOptions options;
-    QString error;
-    if (!options.parse(app.arguments(), &error)) {
-        printLine(stderr, error);
-        return kExitBadInput;
-    }
+    if (!options.locale.isEmpty() && QLocale(options.locale).language() == QLocale::C)
+        printLine(
+            stderr,
+            QStringLiteral("Unknown locale '%1': texts and dates stay in English.").arg(options.locale));
     if (!loadScenario(options))
         return kExitBadInput;
     HostControl::setSignedIn(!options.signedOut);

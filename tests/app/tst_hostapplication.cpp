@@ -30,6 +30,7 @@ private slots:
     void writesScreenshotOfTheWindow();
     void rejectsMalformedScenarioNamingFileAndPosition();
     void refusesModuleBuiltForAnotherInterface();
+    void answersHelpAndVersionWithoutADisplay();
 
 private:
     struct Run
@@ -40,7 +41,8 @@ private:
         QString output; // stdout
         QString errors; // stderr
     };
-    Run runHost(const QStringList& arguments);
+    // `platform` empty: no display at all (no DISPLAY, no WAYLAND_DISPLAY, no platform plugin set).
+    Run runHost(const QStringList& arguments, const QString& platform = QStringLiteral("offscreen"));
 
     QTemporaryDir m_scratch;
 };
@@ -51,11 +53,16 @@ void TestHostApplication::initTestCase()
     QVERIFY2(QFileInfo::exists(QStringLiteral(NEWSREADER_HOST_BINARY)), NEWSREADER_HOST_BINARY);
 }
 
-TestHostApplication::Run TestHostApplication::runHost(const QStringList& arguments)
+TestHostApplication::Run TestHostApplication::runHost(const QStringList& arguments, const QString& platform)
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    if (platform.isEmpty()) {
+        for (const char* name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY"})
+            environment.remove(QString::fromLatin1(name));
+    } else {
+        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), platform);
+    }
     environment.insert(QStringLiteral("QTWEBENGINE_DISABLE_SANDBOX"), QStringLiteral("1"));
     environment.insert(QStringLiteral("QTWEBENGINE_CHROMIUM_FLAGS"), QStringLiteral("--disable-gpu"));
     // The host keeps user settings; a test run must not touch the real ones.
@@ -165,6 +172,23 @@ void TestHostApplication::refusesModuleBuiltForAnotherInterface()
     QImage image;
     QVERIFY(image.load(picture, "PNG"));
     QCOMPARE(image.size(), QSize(900, 600));
+}
+
+void TestHostApplication::answersHelpAndVersionWithoutADisplay()
+{
+    const Run help = runHost({QStringLiteral("--help")}, QString());
+    QVERIFY(help.finished);
+    QCOMPARE(help.exitCode, 0);
+    for (const char* option : {"--scenario", "--screenshot", "--locale", "--size", "--version"})
+        QVERIFY2(help.output.contains(QLatin1String(option)), option);
+
+    const Run version = runHost({QStringLiteral("--version")}, QString());
+    QCOMPARE(version.exitCode, 0);
+    QVERIFY(version.output.startsWith(QStringLiteral("newsReaderHost ")));
+
+    const Run unknown = runHost({QStringLiteral("--colour"), QStringLiteral("red")}, QString());
+    QCOMPARE(unknown.exitCode, 2);
+    QVERIFY2(unknown.errors.contains(QStringLiteral("--help")), qPrintable(unknown.errors));
 }
 
 HOST_TEST_MAIN(TestHostApplication)

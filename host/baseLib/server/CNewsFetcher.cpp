@@ -53,6 +53,20 @@ QString percentEncoded(const QString& text)
 
 } // namespace
 
+namespace {
+
+// Dates in the list in one style per locale: the long date, with the time of day where it matters.
+QString dateText(const QDateTime& moment, bool withTime)
+{
+    if (!moment.isValid())
+        return QString();
+    const QLocale locale;
+    const QString date = locale.toString(moment.date(), QLocale::LongFormat);
+    return withTime ? date + QLatin1Char(' ') + locale.toString(moment.time(), QLocale::ShortFormat) : date;
+}
+
+} // namespace
+
 struct CNewsFetcher::Private
 {
     struct Meta
@@ -104,7 +118,7 @@ void CNewsFetcher::Private::fillConversation(Messenger::MessageEntry& entry,
     const QDateTime created = parseStamp(ticket.createdAt);
     entry.title = ticket.attributeValue(EntityFields::kSubject).toString();
     entry.subtitle = state;
-    entry.dateText = created.isValid() ? QLocale().toString(created, QLocale::ShortFormat) : QString();
+    entry.dateText = dateText(created, true);
     entry.extraText.clear();
     entry.firstTime = created;
     const QDateTime last = parseStamp(ticket.attributeValue(EntityFields::kLastActivity));
@@ -142,10 +156,7 @@ void CNewsFetcher::Private::refresh()
         const std::shared_ptr<Messenger::MessageEntry> entry = obtain(item->id, &created);
         entry->title = item->title;
         entry->subtitle = item->subtitle;
-        entry->dateText = !item->dateText.isEmpty() ? item->dateText
-                          : item->published.isValid()
-                              ? QLocale().toString(item->published.date(), QLocale::LongFormat)
-                              : QString();
+        entry->dateText = !item->dateText.isEmpty() ? item->dateText : dateText(item->published, false);
         entry->extraText = item->html;
         entry->firstTime = item->published;
         entry->secondTime = item->expires;
