@@ -6,6 +6,7 @@
 
 #include <QComboBox>
 #include <QKeyEvent>
+#include <QShortcut>
 #include <QSignalBlocker>
 #include <QTextBlock>
 #include <QTextCursor>
@@ -81,18 +82,32 @@ RichTextInputWrapper::RichTextInputWrapper(QObject* parent, QWidget* toolbar, QT
         connect(m_paragraphItemsCombo, &QComboBox::activated, this, &RichTextInputWrapper::onParagraphChosen);
     }
 
-    if (m_boldButton) {
-        m_boldButton->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_B));
-        connect(m_boldButton, &QToolButton::toggled, this, &RichTextInputWrapper::setBold);
-    }
-    if (m_italicButton) {
-        m_italicButton->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_I));
-        connect(m_italicButton, &QToolButton::toggled, this, &RichTextInputWrapper::setItalic);
-    }
-    if (m_strikeOutButton) {
-        m_strikeOutButton->setShortcut(QKeySequence(Qt::SHIFT | Qt::ALT | Qt::Key_X));
-        connect(m_strikeOutButton, &QToolButton::toggled, this, &RichTextInputWrapper::setStrikeOut);
-    }
+    // The shortcuts toggle their buttons at once (a button's own shortcut animates a click and acts about
+    // 100 ms later, after the next letter has been typed in the old format).
+    const auto bindButton = [this, toolbar](QToolButton* button, const QKeySequence& keys,
+                                            const QString& name, void (RichTextInputWrapper::*apply)(bool)) {
+        if (!button)
+            return;
+        button->setAccessibleName(name);
+        button->setToolTip(QStringLiteral("%1 (%2)").arg(name, keys.toString(QKeySequence::NativeText)));
+        auto* shortcut = new QShortcut(keys, toolbar);
+        shortcut->setContext(Qt::WindowShortcut);
+        connect(shortcut, &QShortcut::activated, button, [button] {
+            if (button->isEnabled() && button->isVisible())
+                button->toggle();
+        });
+        connect(button, &QToolButton::toggled, this, apply);
+    };
+    bindButton(m_boldButton, QKeySequence(Qt::CTRL | Qt::Key_B), QObject::tr("Bold"),
+               &RichTextInputWrapper::setBold);
+    bindButton(m_italicButton, QKeySequence(Qt::CTRL | Qt::Key_I), QObject::tr("Italic"),
+               &RichTextInputWrapper::setItalic);
+    bindButton(m_strikeOutButton, QKeySequence(Qt::SHIFT | Qt::ALT | Qt::Key_X), QObject::tr("Strike out"),
+               &RichTextInputWrapper::setStrikeOut);
+    if (m_paragraphItemsCombo)
+        m_paragraphItemsCombo->setAccessibleName(QObject::tr("Paragraph style"));
+    if (editor)
+        editor->setAccessibleName(QObject::tr("Message"));
 }
 
 RichTextInputWrapper::~RichTextInputWrapper() = default;

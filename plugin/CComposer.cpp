@@ -50,6 +50,11 @@ CComposer::CComposer(const Controls& controls, CAttachmentsModel& attachments, Q
     controls.sendButton->setIcon(qtHelpers::images::icon(QStringLiteral("send-message")));
     controls.sendButton->setEnabled(false);
     controls.addAttachment->setIcon(qtHelpers::images::icon(QStringLiteral("attachment")));
+    controls.sendButton->setAccessibleName(QObject::tr("Send"));
+    controls.sendButton->setToolTip(QObject::tr("Send (Ctrl+Return)"));
+    controls.addAttachment->setAccessibleName(QObject::tr("Attach files"));
+    controls.addAttachment->setToolTip(QObject::tr("Attach files"));
+    controls.attachmentsList->setAccessibleName(QObject::tr("Attachments"));
 
     QListView* list = controls.attachmentsList;
     list->setModel(&m_attachments);

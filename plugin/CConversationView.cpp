@@ -74,6 +74,8 @@ CConversationView::~CConversationView() = default;
 void CConversationView::attach(const Controls& controls, CComposer* composer)
 {
     m_thread = controls.thread;
+    if (m_thread)
+        m_thread->setAccessibleName(QObject::tr("Conversation"));
     m_progress = controls.progress;
     m_inputArea = controls.inputArea;
     m_typingLabel = controls.typing;

@@ -212,5 +212,41 @@
         <source>Message</source>
         <translation>Nachricht</translation>
     </message>
+    <message>
+        <source>Bold</source>
+        <translation>Fett</translation>
+    </message>
+    <message>
+        <source>Italic</source>
+        <translation>Kursiv</translation>
+    </message>
+    <message>
+        <source>Strike out</source>
+        <translation>Durchgestrichen</translation>
+    </message>
+    <message>
+        <source>Paragraph style</source>
+        <translation>Absatzformat</translation>
+    </message>
+    <message>
+        <source>Send</source>
+        <translation>Senden</translation>
+    </message>
+    <message>
+        <source>Send (Ctrl+Return)</source>
+        <translation>Senden (Strg+Eingabe)</translation>
+    </message>
+    <message>
+        <source>Attach files</source>
+        <translation>Dateien anhängen</translation>
+    </message>
+    <message>
+        <source>Attachments</source>
+        <translation>Anhänge</translation>
+    </message>
+    <message>
+        <source>Conversation</source>
+        <translation>Unterhaltung</translation>
+    </message>
 </context>
 </TS>

@@ -3,6 +3,7 @@
 
 #include "RichTextInputWrapper.h"
 
+#include <QAccessible>
 #include <QComboBox>
 #include <QDir>
 #include <QHBoxLayout>
@@ -95,6 +96,40 @@ private slots:
     }
 
     void cleanup() { window.reset(); }
+
+    // Ctrl+B, Ctrl+I and Shift+Alt+X act at once: the very next letter carries the new format. Every control
+    // has a name a screen reader can say.
+    void shortcutsActAtOnceAndControlsHaveNames()
+    {
+        editor->setFocus();
+        QTest::keyClicks(editor, QStringLiteral("a"));
+        QTest::keyClick(editor, Qt::Key_B, Qt::ControlModifier);
+        QTest::keyClicks(editor, QStringLiteral("b"));
+        QTest::keyClick(editor, Qt::Key_I, Qt::ControlModifier);
+        QTest::keyClicks(editor, QStringLiteral("c"));
+        QTest::keyClick(editor, Qt::Key_X, Qt::ShiftModifier | Qt::AltModifier);
+        QTest::keyClicks(editor, QStringLiteral("d"));
+        const auto formatOf = [this](int position) {
+            QTextCursor cursor(document());
+            cursor.setPosition(position + 1);
+            return cursor.charFormat();
+        };
+        QVERIFY(formatOf(0).fontWeight() < QFont::Bold);
+        QVERIFY(formatOf(1).fontWeight() >= QFont::Bold && !formatOf(1).fontItalic());
+        QVERIFY(formatOf(2).fontItalic() && !formatOf(2).fontStrikeOut());
+        QVERIFY(formatOf(3).fontStrikeOut() && formatOf(3).fontItalic() &&
+                formatOf(3).fontWeight() >= QFont::Bold);
+
+        const QStringList names = {QStringLiteral("Bold"), QStringLiteral("Italic"),
+                                   QStringLiteral("Strike out")};
+        for (int style : {Bold, Italic, StrikeOut})
+            QCOMPARE(QAccessible::queryAccessibleInterface(button(style))->text(QAccessible::Name),
+                     names[style]);
+        QCOMPARE(QAccessible::queryAccessibleInterface(editor)->text(QAccessible::Name),
+                 QStringLiteral("Message"));
+        // The toolkit's combo box reports its current item as its name; the name is set for readers that ask.
+        QCOMPARE(combo->accessibleName(), QStringLiteral("Paragraph style"));
+    }
 
     void bindsTheToolbar()
     {
