@@ -89,8 +89,36 @@ void CConversationView::attach(const Controls& controls, CComposer* composer)
         if (label)
             label->setTextFormat(Qt::PlainText);
     }
+    // A long title gives way to the state beside it and ends in an ellipsis; its tool tip keeps the whole.
+    if (m_title) {
+        m_title->installEventFilter(this);
+    }
+    if (m_state)
+        m_state->setSizePolicy(QSizePolicy::Fixed, m_state->sizePolicy().verticalPolicy());
     m_attached = true;
     setBusy(false);
+}
+
+bool CConversationView::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == m_title && (event->type() == QEvent::Resize || event->type() == QEvent::Show))
+        elideTitle();
+    return QObject::eventFilter(watched, event);
+}
+
+void CConversationView::elideTitle()
+{
+    if (!m_title)
+        return;
+    // A hidden label has no width to speak of yet; it is cut when it shows.
+    if (!m_title->isVisible()) {
+        m_title->setText(m_fullTitle);
+        return;
+    }
+    const QString shown = m_title->fontMetrics().elidedText(m_fullTitle, Qt::ElideRight,
+                                                            std::max(0, m_title->contentsRect().width()));
+    if (m_title->text() != shown)
+        m_title->setText(shown);
 }
 
 bool CConversationView::isAttached() const
@@ -145,7 +173,9 @@ void CConversationView::showHeader(const QModelIndex& index, bool reload)
         return;
     const QString title = index.data(CCommunicationObjectModel::TitleRole).toString();
     if (m_title) {
-        m_title->setText(title);
+        m_fullTitle = title;
+        m_title->setAccessibleName(title);
+        elideTitle();
         // A tool tip that looks like markup is shown as markup: the title goes in as the text it is.
         m_title->setToolTip(title.isEmpty() ? QString()
                                             : Qt::convertFromPlainText(title, Qt::WhiteSpaceNormal));

@@ -118,6 +118,8 @@ private:
     // Puts records into the document in one edit: new ones at the end, new versions in place of old ones.
     void applyMessages(const QList<Incoming>& records);
     void flushIncoming();
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void elideTitle();
     bool isCurrentThread(const QString& threadId) const;
     static bool showsSame(const CIncidentCommunication& shown, const CIncidentCommunication& record);
 
@@ -131,6 +133,7 @@ private:
     QPointer<QWidget> m_inputArea;
     QPointer<QLabel> m_typingLabel;
     QPointer<QLabel> m_title;
+    QString m_fullTitle;
     QPointer<QLabel> m_state;
     QPointer<QToolButton> m_stateButton;
     QPointer<QLabel> m_createDate;
