@@ -82,6 +82,9 @@ QWidget* CAttachmentItemDelegate::createEditor(QWidget* parent, const QStyleOpti
     button->setCursor(Qt::PointingHandCursor);
     button->setProperty(kToolButtonSwitchProperty, true);
     button->setToolTip(QObject::tr("Click to remove this attachment"));
+    // Not a stop of its own for Tab: the list is one stop, and Delete removes the current tile.
+    button->setFocusPolicy(Qt::NoFocus);
+    button->setAccessibleName(QObject::tr("Remove %1").arg(index.data(Qt::DisplayRole).toString()));
     CVantrelApp::setWidgetStyleSheetFromPalette(button);
     // Persistent, so that the button still names its own row after rows above it were removed.
     button->setProperty(kRemoveIndexProperty, QVariant::fromValue(QPersistentModelIndex(index)));

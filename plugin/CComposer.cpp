@@ -58,6 +58,9 @@ CComposer::CComposer(const Controls& controls, CAttachmentsModel& attachments, Q
 
     QListView* list = controls.attachmentsList;
     list->setModel(&m_attachments);
+    // One stop for Tab; arrows move between the tiles, Delete removes one.
+    list->setTabKeyNavigation(false);
+    list->setFocusPolicy(Qt::StrongFocus);
     auto* delegate = new CAttachmentItemDelegate(list);
     list->setItemDelegate(delegate);
     connect(delegate, &CAttachmentItemDelegate::removeAttachmentRequest, this,
@@ -135,6 +138,14 @@ bool CComposer::filterEvent(QObject* watched, QEvent* event)
         return handleKey(static_cast<QKeyEvent*>(event));
     if (watched == m_attachmentsList && event->type() == QEvent::Resize)
         m_attachmentsList->setMaximumHeight(m_attachments.preferredViewHeight());
+    if (watched == m_attachmentsList && event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        const QModelIndex current = m_attachmentsList->currentIndex();
+        if ((key == Qt::Key_Delete || key == Qt::Key_Backspace) && current.isValid()) {
+            m_attachments.remove(current);
+            return true;
+        }
+    }
     return false;
 }
 

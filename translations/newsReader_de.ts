@@ -248,5 +248,9 @@
         <source>Conversation</source>
         <translation>Unterhaltung</translation>
     </message>
+    <message>
+        <source>Remove %1</source>
+        <translation>%1 entfernen</translation>
+    </message>
 </context>
 </TS>

@@ -234,6 +234,20 @@ private slots:
         HostControl::scriptOpenFileDialog({});
         screen.control<QToolButton>("addAttachment")->click();
         QCOMPARE(list->model()->rowCount(), 3);
+
+        // By keyboard: the list is one Tab stop (its remove buttons are not), Delete removes the current
+        // tile.
+        auto* tiles = const_cast<QListView*>(list);
+        const auto removers = tiles->findChildren<QToolButton*>(QStringLiteral("attachmentItem"));
+        QCOMPARE(removers.size(), 3);
+        for (QToolButton* remover : removers)
+            QCOMPARE(remover->focusPolicy(), Qt::NoFocus);
+        tiles->setFocus();
+        tiles->setCurrentIndex(tiles->model()->index(1, 0));
+        QTest::keyClick(tiles, Qt::Key_Delete);
+        QCOMPARE(tiles->model()->rowCount(), 2);
+        QVERIFY(!tiles->model()->index(0, 0).data().toString().contains(QStringLiteral("b.log")));
+        QVERIFY(!tiles->model()->index(1, 0).data().toString().contains(QStringLiteral("b.log")));
     }
 
     void aShortenedMessageOpensWhole()
