@@ -194,6 +194,9 @@ QWidget* CPluginItemDelegate::createEditor(QWidget* parent, const QStyleOptionVi
     button->setCursor(Qt::PointingHandCursor);
     button->setProperty(kToolButtonSwitchProperty, true);
     button->setToolTip(QObject::tr("Click to hide this message"));
+    // Not a Tab stop: Tab moves between the host's list and the page, not through every row's button.
+    button->setFocusPolicy(Qt::NoFocus);
+    button->setAccessibleName(QObject::tr("Hide %1").arg(index.data(Qt::DisplayRole).toString()));
     CVantrelApp::setWidgetStyleSheetFromPalette(button);
     // The row may vanish in a rebuild before the click; a persistent index tells.
     button->setProperty(kHideIndexProperty, QVariant::fromValue(QPersistentModelIndex(index)));

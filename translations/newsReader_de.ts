@@ -252,5 +252,9 @@
         <source>Remove %1</source>
         <translation>%1 entfernen</translation>
     </message>
+    <message>
+        <source>Hide %1</source>
+        <translation>%1 ausblenden</translation>
+    </message>
 </context>
 </TS>

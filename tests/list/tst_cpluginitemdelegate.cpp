@@ -386,6 +386,11 @@ private slots:
         QWidget* editor = delegate.createEditor(&parent, option, index);
         QCOMPARE(editor != nullptr, button);
         QCOMPARE(CPluginItemDelegate::canHide(index), button);
+        if (editor) {
+            // Reachable by pointer and by name, but not a Tab stop of its own.
+            QCOMPARE(editor->focusPolicy(), Qt::NoFocus);
+            QVERIFY(editor->accessibleName().startsWith(QStringLiteral("Hide ")));
+        }
 
         if (!folder) {
             const PaintRecord title = recordRow(option, index, PaintRecord::Text).first();
