@@ -12,16 +12,21 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QClipboard>
+#include <QDropEvent>
+#include <QFileInfo>
 #include <QGuiApplication>
+#include <QImage>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QListView>
+#include <QMimeData>
 #include <QPixmap>
 #include <QScopedValueRollback>
 #include <QTextBlock>
 #include <QTextEdit>
 #include <QTextLayout>
 #include <QToolButton>
+#include <QUrl>
 
 #include <algorithm>
 #include <cmath>
@@ -136,6 +141,8 @@ bool CComposer::filterEvent(QObject* watched, QEvent* event)
         return false;
     if (watched == m_editor && event->type() == QEvent::KeyPress)
         return handleKey(static_cast<QKeyEvent*>(event));
+    if (m_editor && watched == m_editor->viewport())
+        return handleDrop(event);
     if (watched == m_attachmentsList && event->type() == QEvent::Resize)
         m_attachmentsList->setMaximumHeight(m_attachments.preferredViewHeight());
     if (watched == m_attachmentsList && event->type() == QEvent::KeyPress) {
@@ -147,6 +154,33 @@ bool CComposer::filterEvent(QObject* watched, QEvent* event)
         }
     }
     return false;
+}
+
+// Files dropped from a file manager are attached as the add button attaches them, a dropped picture as a
+// pasted one; text is left to the editor.
+bool CComposer::handleDrop(QEvent* event)
+{
+    const auto type = event->type();
+    if (type != QEvent::DragEnter && type != QEvent::DragMove && type != QEvent::Drop)
+        return false;
+    auto* drop = static_cast<QDropEvent*>(event);
+    const QMimeData* data = drop->mimeData();
+    QStringList files;
+    for (const QUrl& url : data->urls()) {
+        if (url.isLocalFile() && QFileInfo(url.toLocalFile()).isFile())
+            files << url.toLocalFile();
+    }
+    const bool picture = files.isEmpty() && data->hasImage();
+    if (files.isEmpty() && !picture)
+        return false;
+    drop->acceptProposedAction();
+    if (type == QEvent::Drop) {
+        if (picture)
+            m_attachments.addScreenshot(QPixmap::fromImage(qvariant_cast<QImage>(data->imageData())));
+        else
+            m_attachments.addFiles(files);
+    }
+    return true;
 }
 
 bool CComposer::handleKey(const QKeyEvent* event)

@@ -70,6 +70,7 @@ signals:
 
 private:
     bool handleKey(const QKeyEvent* event);
+    bool handleDrop(QEvent* event);
     void onTextChanged();
     void updateCounter(const QString& text);
     void updateHeight();

@@ -172,6 +172,7 @@ void CNewsReaderPlugin::setupConversation()
             m_communicationModel->setDraftText(m_currentIndex, text);
     });
     composer.editor->installEventFilter(this);
+    composer.editor->viewport()->installEventFilter(this);
     composer.attachmentsList->installEventFilter(this);
 
     m_conversationView->attach(CConversationView::Controls::find(this), m_composer);

@@ -12,11 +12,14 @@
 #include "HostFiles.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QApplication>
 #include <QDialog>
 #include <QDir>
 #include <QDirIterator>
+#include <QDropEvent>
 #include <QListView>
 #include <QMenu>
+#include <QMimeData>
 #include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QTemporaryDir>
@@ -248,6 +251,18 @@ private slots:
         QCOMPARE(tiles->model()->rowCount(), 2);
         QVERIFY(!tiles->model()->index(0, 0).data().toString().contains(QStringLiteral("b.log")));
         QVERIFY(!tiles->model()->index(1, 0).data().toString().contains(QStringLiteral("b.log")));
+
+        // Files dropped from a file manager onto the composer are attached too.
+        QMimeData dropped;
+        dropped.setUrls({QUrl::fromLocalFile(paths.at(1))});
+        QWidget* target = screen.editor()->viewport();
+        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(target, &enter);
+        QVERIFY(enter.isAccepted());
+        QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(target, &drop);
+        QCOMPARE(tiles->model()->rowCount(), 3);
+        QVERIFY(screen.editor()->toPlainText().isEmpty());
     }
 
     void aShortenedMessageOpensWhole()
