@@ -121,12 +121,12 @@ QString attachLink(const CIncidentAttachment& attachment)
     const QString idOnly = plainLink(id, QString());
     const QString host = plainId && survives(idOnly, id, QString()) ? QUrl(idOnly).host(QUrl::FullyEncoded)
                                                                     : encodedIdHost(id);
-    const QByteArray utf8 = name.toUtf8();
-    const QString query =
-        QString::fromUtf8(utf8) == name
-            ? kNameItem + QLatin1Char('=') + QString::fromLatin1(QUrl::toPercentEncoding(name))
-            : kUtf16NameItem + QLatin1Char('=') + toHex(name);
-    return kAttachScheme + host + QLatin1Char('?') + query;
+    const QString encoded = kAttachScheme + host + QLatin1Char('?') + kNameItem + QLatin1Char('=') +
+                            QString::fromLatin1(QUrl::toPercentEncoding(name));
+    // Lone surrogates and noncharacters (U+FFFF and the like) do not come back from percent-encoding.
+    if (survives(encoded, id, name))
+        return encoded;
+    return kAttachScheme + host + QLatin1Char('?') + kUtf16NameItem + QLatin1Char('=') + toHex(name);
 }
 
 QString thumbnailName(const QString& attachmentId)

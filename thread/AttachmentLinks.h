@@ -6,9 +6,10 @@
 // Ids and names come from the server and may hold anything. Where the URL parser would change one (host
 // normalisation of the id: case, numbers read as addresses, "user@", "/", spaces; "&", "%" or NUL in a
 // name), that part travels encoded instead: the id as a host "x--" followed by its UTF-16 code units in
-// hexadecimal (split into labels the parser accepts), the name fully percent-encoded, or, when it is not
-// valid Unicode, as hexadecimal UTF-16 in the query item "name16". Everything else keeps the plain form, so
-// reading a link back always gives exactly the id and name it was made from.
+// hexadecimal (split into labels the parser accepts), the name fully percent-encoded, or, when even that
+// does not come back (lone surrogates, noncharacters), as hexadecimal UTF-16 in the query item "name16".
+// Everything else keeps the plain form, so reading a link back always gives exactly the id and name it was
+// made from.
 
 #include "CIncidentAttachment.h"
 
