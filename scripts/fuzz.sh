@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Builds the libFuzzer targets with clang (in build-fuzz, configured once) and runs each for a while.
-# Usage: scripts/fuzz.sh [seconds per target, default 60] [target...]
+# Usage: [FUZZ_OPTIONS=...] scripts/fuzz.sh [seconds per target, default 60] [target...]
 # Targets: fuzz_attachmentlinks fuzz_messagebody fuzz_scenario (all when none is named). The corpus of each
 # grows in build-fuzz/corpus/<target>; inputs that crash, leak or time out land in build-fuzz/findings/<target>.
 # Exits non-zero when any target found something.
@@ -22,6 +22,8 @@ cmake --build "$dir" --target "${targets[@]}"
 
 # Seeds: the shipped scenario for the reader; the others start from nothing.
 declare -A seeds=([fuzz_scenario]="$root/host/baseLib/scenario")
+# Bodies get room to grow into the shapes that are slow to lay out. FUZZ_OPTIONS adds libFuzzer flags to all.
+declare -A options=([fuzz_messagebody]="-max_len=65536")
 
 export QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8 QT_LOGGING_RULES='*=false'
 # Qt keeps caches for the life of the process; they are not leaks of one input.
@@ -35,7 +37,7 @@ for target in "${targets[@]}"; do
   echo "== $target: ${seconds}s"
   set +e
   "$dir/bin/$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
-    -artifact_prefix="$findings/" "$corpus" ${seeds[$target]:-} >"$log" 2>&1
+    -artifact_prefix="$findings/" ${options[$target]:-} ${FUZZ_OPTIONS:-} "$corpus" ${seeds[$target]:-} >"$log" 2>&1
   code=$?
   set -e
   found=$(find "$findings" -type f | wc -l)
