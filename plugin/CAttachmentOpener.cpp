@@ -92,7 +92,8 @@ void CAttachmentOpener::onLinkClicked(const QUrl& url)
             showMenu(id, name);
         return;
     }
-    if (newsReader::isAbortLink(href))
+    // A URL the parser refuses encodes to nothing: an abort link with a hostile id, never a page to open.
+    if (href.isEmpty() || newsReader::isAbortLink(href))
         return;
     if (CMessageBody::isWholeTextLink(href)) {
         showWholeMessage(CMessageBody::messageIdFromWholeTextLink(href));

@@ -2,7 +2,7 @@
 
 #include "CCommunicationObjectModel.h"
 #include "CControlLookup.h"
-#include "CVantrelWebPage.h"
+#include "CNewsWebPage.h"
 
 #include <QDateTime>
 #include <QStackedWidget>
@@ -28,9 +28,9 @@ void CRightHandPage::attach(const CViewModelBase* viewModel, bool newsView, QObj
         QObject::connect(view, SIGNAL(loadFinished(bool)), receiver, loadFinishedSlot);
         view->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
         view->setContextMenuPolicy(Qt::NoContextMenu);
-        auto* page = new CVantrelWebPage(view);
-        // News entries link to offers and articles: those belong in the user's browser, not in the page.
-        page->setAlwaysOpenLinkInExternalBrowser(true);
+        // News entries link to offers and articles: those belong in the user's browser, not in the page,
+        // which only ever shows the entry.
+        auto* page = new CNewsWebPage(view);
         view->setPage(page);
         m_entryStack->addWidget(view);
         m_newsView = view;

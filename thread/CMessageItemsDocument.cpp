@@ -772,7 +772,7 @@ void CMessageItemsDocument::setContentsThumbnail(const CMessageItemIndex& index,
     cursor.movePosition(QTextCursor::PreviousCharacter);
     cursor.setPosition(table->lastPosition(), QTextCursor::KeepAnchor);
 
-    const QString name = QStringLiteral("%1-thumbnail").arg(attachmentId);
+    const QString name = newsReader::thumbnailName(attachmentId);
     if (!hasImage(name))
         addResource(ImageResource, QUrl(name), thumbnail.toImage());
 

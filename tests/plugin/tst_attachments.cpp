@@ -17,6 +17,7 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QDropEvent>
+#include <QJsonObject>
 #include <QListView>
 #include <QMenu>
 #include <QMimeData>
@@ -143,6 +144,7 @@ private slots:
         // Any other link goes to the system browser; an abort link and an unknown tile do nothing.
         emit screen.thread()->anchorClicked(QUrl(QStringLiteral("https://example.com/help")));
         emit screen.thread()->anchorClicked(QUrl(QStringLiteral("abort://att-scan-log")));
+        emit screen.thread()->anchorClicked(QUrl(QStringLiteral("abort://{a b}")));
         QVERIFY(choose(screen, QStringLiteral("att-unknown"), QStringLiteral("x.txt"), 0) == false);
         const auto links = HostControl::events(QStringLiteral("openLink"));
         QCOMPARE(links.size(), 1);
@@ -216,6 +218,66 @@ private slots:
         QVERIFY(choose(screen, QStringLiteral("att-guide"), QStringLiteral("exceptions-guide.pdf"), 0));
         QTRY_COMPARE(launched().size(), 1);
         QVERIFY(launched().first().endsWith(QStringLiteral("/att-guide/exceptions-guide.pdf")));
+    }
+
+    // The server may send any id and name; a click on the tile, through the view's own link handling, names
+    // that very attachment even when another one has the id the URL parser would make of it.
+    void aClickOpensTheVeryAttachmentWhateverItsIdAndName_data()
+    {
+        QTest::addColumn<QString>("id");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("decoyId");
+        QTest::newRow("user at host") << "user@host"
+                                      << "a&b %41.txt"
+                                      << "host";
+        QTest::newRow("upper case, NUL") << "UPPER" << QStringLiteral("x%00y") + QChar(0) + ".txt"
+                                         << "upper";
+        QTest::newRow("number, hash") << "12345"
+                                      << "#1? .txt"
+                                      << "0.0.48.57";
+        QTest::newRow("slash, braces") << "{a/b}" << QString::fromUtf8("отчёт=1.txt") << "a";
+    }
+    void aClickOpensTheVeryAttachmentWhateverItsIdAndName()
+    {
+        QFETCH(QString, id);
+        QFETCH(QString, name);
+        QFETCH(QString, decoyId);
+        ConversationScreen screen;
+        QVERIFY(screen.open(kPrinter));
+        const auto file = [](const QString& fileId, const QString& fileName) {
+            QJsonObject json;
+            json.insert(QStringLiteral("id"), fileId);
+            json.insert(QStringLiteral("fileName"), fileName);
+            json.insert(QStringLiteral("text"), QString(QStringLiteral("content of ") + fileId));
+            return json;
+        };
+        HostControl::postMessage(
+            kPrinter, QStringLiteral("Two files"), QString(),
+            QList<QJsonObject>{file(decoyId, QStringLiteral("decoy.txt")), file(id, name)});
+        QTRY_VERIFY(screen.document()->attachmentRect(id).isValid());
+        QVERIFY(screen.document()->attachmentRect(decoyId).isValid());
+
+        QTextBrowser* thread = screen.thread();
+        const QRectF tile = screen.document()->attachmentRect(id);
+        thread->verticalScrollBar()->setValue(int(tile.top()) - 20);
+        const QPoint onName = QPoint(int(tile.left()) + 4, int(tile.center().y())) -
+                              QPoint(0, thread->verticalScrollBar()->value());
+        QVERIFY(!thread->anchorAt(onName).isEmpty());
+        QTest::mouseClick(thread->viewport(), Qt::LeftButton, Qt::NoModifier, onName);
+        auto* menu = thread->findChild<QMenu*>(QStringLiteral("attachmentMenu"));
+        QVERIFY(menu);
+        QCOMPARE(menu->accessibleName(), name);
+        menu->actions().at(0)->trigger();
+        menu->close();
+
+        QTRY_COMPARE(launched().size(), 1);
+        const QString path = launched().first();
+        QVERIFY2(path.startsWith(cacheRoot() + QLatin1Char('/')), qPrintable(path));
+        QFile opened(path);
+        QVERIFY(opened.open(QIODevice::ReadOnly));
+        QCOMPARE(QString::fromUtf8(opened.readAll()), "content of " + id);
+        QCOMPARE(downloadsOf(QString::fromLatin1(QUrl::toPercentEncoding(decoyId))), 0);
+        QVERIFY(HostControl::events(QStringLiteral("openLink")).isEmpty());
     }
 
     void theAddDialogAddsEveryChosenFile()

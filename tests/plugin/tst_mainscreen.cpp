@@ -7,6 +7,7 @@
 #include "CControlLookup.h"
 #include "CMessageItemsDocument.h"
 #include "CNewsReaderPlugin.h"
+#include "CNewsWebPage.h"
 #include "CVantrelWebPage.h"
 #include "CViewModelBase.h"
 #include "ChatServiceApi.h"
@@ -312,6 +313,8 @@ private slots:
         QCOMPARE(webView->contextMenuPolicy(), Qt::NoContextMenu);
         auto* page = qobject_cast<CVantrelWebPage*>(webView->page());
         QVERIFY(page);
+        // The page that shows nothing but the entry.
+        QVERIFY(qobject_cast<CNewsWebPage*>(page));
         QVERIFY(page->alwaysOpenLinkInExternalBrowser());
     }
 

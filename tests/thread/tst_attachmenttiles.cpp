@@ -6,6 +6,7 @@
 #include "CMessageItemsDocument.h"
 #include "HostText.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QTextTable>
 
 class TestAttachmentTiles : public QObject
@@ -156,6 +157,38 @@ private slots:
         const QString after = doc.toHtml();
         doc.setContentsThumbnail(index, "a#1", thumbnail);
         QCOMPARE(doc.toHtml(), after);
+    }
+
+    // Ids the URL parser reads as one ("x y" and "x%20y", "%41" and "A") each keep their own tile, progress
+    // ring and picture, and each picture carries the link of its own attachment.
+    void idsTheUrlParserConfusesKeepTheirOwnTiles()
+    {
+        const QStringList ids = {"x y", "x%20y", "%41", "A", "http://X", "http://x", "user@host", "host"};
+        QList<CIncidentAttachment> attachments;
+        for (const QString& id : ids)
+            attachments << attachment(id, "pic.png");
+        CMessageItemsDocument doc;
+        const CMessageItemIndex index = doc.appendMessage(message(attachments));
+        for (const QString& id : ids) {
+            QVERIFY2(doc.attachmentRect(id).isValid(), qPrintable(id));
+            doc.setAttachProgress(id, 40);
+            QCOMPARE(doc.findBlockWithAnchor(newsReader::abortLink(attachment(id, "pic.png"))),
+                     doc.findAttachmentIconBlock(id));
+            doc.setAttachProgress(id, 100);
+        }
+        for (int i = 0; i < ids.size(); ++i) {
+            QPixmap thumbnail(8, 8);
+            thumbnail.fill(QColor::fromHsv(i * 40, 255, 255));
+            doc.setContentsThumbnail(index, ids.at(i), thumbnail);
+        }
+        for (int i = 0; i < ids.size(); ++i) {
+            const QTextBlock image = doc.findBlockWithAnchor(newsReader::attachLink(attachments.at(i)));
+            QVERIFY2(image.isValid(), qPrintable(ids.at(i)));
+            QCOMPARE(doc.attachmentRect(ids.at(i)), doc.documentLayout()->blockBoundingRect(image));
+            const QString name = image.begin().fragment().charFormat().toImageFormat().name();
+            const QImage picture = doc.resource(QTextDocument::ImageResource, QUrl(name)).value<QImage>();
+            QCOMPARE(picture.pixel(0, 0), QColor::fromHsv(i * 40, 255, 255).rgb());
+        }
     }
 
     void fileNamesWithEverySpecialCharacterBuild()

@@ -8,6 +8,7 @@
 #include <QJsonDocument>
 #include <QMimeDatabase>
 #include <QTimer>
+#include <QUrl>
 
 #include <algorithm>
 
@@ -544,7 +545,10 @@ void SimulatedServer::failNextRequest(const QString& pathPart, int httpStatus, c
 SimulatedServer::Answer SimulatedServer::process(const QByteArray& verb, const QString& path,
                                                  const QByteArray& body)
 {
-    const QStringList parts = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    // Clients percent-encode the ids they put into a path; each part is read back as the id it names.
+    QStringList parts = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    for (QString& part : parts)
+        part = QUrl::fromPercentEncoding(part.toUtf8());
     const auto is = [&](const char* method, std::initializer_list<const char*> shape) {
         if (verb != method || parts.size() != int(shape.size()))
             return false;
