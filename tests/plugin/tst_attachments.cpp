@@ -23,6 +23,7 @@
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTextBlock>
 
@@ -150,6 +151,33 @@ private slots:
         QCOMPARE(links.size(), 1);
         QCOMPARE(links.first().details.value(QStringLiteral("url")).toString(),
                  QStringLiteral("https://example.com/help"));
+    }
+
+    void theThreadsLinksWorkByKeyboard()
+    {
+        ConversationScreen screen;
+        QVERIFY(screen.open(kPrinter));
+        QTextBrowser* thread = screen.thread();
+        // Once the pictures are in, no download ring (whose link cancels) is left in the thread.
+        QTRY_VERIFY(documentHasImage(screen.document(), QStringLiteral("att-exceptions-photo-thumbnail")));
+        QTRY_VERIFY(!screen.document()->toHtml().contains(QStringLiteral("abort://")));
+        thread->setFocus();
+        thread->moveCursor(QTextCursor::Start);
+        QSignalSpy clicked(thread, &QTextBrowser::anchorClicked);
+        // Tab moves to the first link; Return follows it as a click would.
+        QTest::keyClick(thread, Qt::Key_Tab);
+        QVERIFY(thread->textCursor().hasSelection());
+        const QString href = thread->textCursor().charFormat().anchorHref();
+        QVERIFY(!href.isEmpty());
+        QTest::keyClick(thread, Qt::Key_Return);
+        QCOMPARE(clicked.size(), 1);
+        QCOMPARE(clicked.first().first().toUrl(), QUrl(href));
+        QVERIFY2(newsReader::isAttachLink(href), qPrintable(href));
+        QVERIFY(thread->findChild<QMenu*>(QStringLiteral("attachmentMenu")));
+        // Page Down scrolls.
+        thread->verticalScrollBar()->setValue(0);
+        QTest::keyClick(thread, Qt::Key_PageDown);
+        QVERIFY(thread->verticalScrollBar()->value() > 0);
     }
 
     void aFailedDownloadLeavesNoFileAndTellsTheUser()
