@@ -73,7 +73,8 @@ private slots:
         QTest::newRow("non-ASCII") << QString::fromUtf8("Ärger-отчёт-报告") << plainName;
         QTest::newRow("lone surrogate") << QString(QChar(0xd800)) << QString(QChar(0xdc00));
         QTest::newRow("noncharacters") << QString(QChar(0x4941)) << QString(2, QChar(0xffff)) + QChar(0xfdd0);
-        QTest::newRow("very long") << QString(5000, QLatin1Char('A')) + QStringLiteral("\U0001F600") << QString(5000, 'n');
+        QTest::newRow("very long") << QString(5000, QLatin1Char('A')) + QStringLiteral("\U0001F600")
+                                   << QString(5000, 'n');
         QTest::newRow("ampersand") << "id42"
                                    << "a&b.txt";
         QTest::newRow("escape") << "id42"
