@@ -34,11 +34,13 @@ CMessageBody::CMessageBody(const QString& body, bool html)
 {
     m_shortened = body.size() > MaxCharacters;
     m_text = m_shortened ? cut(body, html) : body;
-    for (QChar& c : m_text) {
+    const auto isControl = [](QChar c) {
         const char16_t u = c.unicode();
-        if ((u < 0x20 && u != u'\n' && u != u'\t' && u != u'\r') || u == 0x7f)
-            c = QChar::ReplacementCharacter;
-    }
+        return (u < 0x20 && u != u'\n' && u != u'\t' && u != u'\r') || u == 0x7f;
+    };
+    // Most bodies have none: they are looked at without being copied.
+    if (std::any_of(m_text.cbegin(), m_text.cend(), isControl))
+        std::replace_if(m_text.begin(), m_text.end(), isControl, QChar(QChar::ReplacementCharacter));
     const bool slow = html ? slowAsHtml(m_text) : slowAsMarkdown(m_text);
     m_kind = slow ? PlainText : html ? Html : Markdown;
 }
