@@ -14,6 +14,7 @@
 #include <QScreen>
 #include <QTimer>
 #include <QWindow>
+#include <private/qlocale_p.h>
 
 #include <cstdio>
 #include <unistd.h>
@@ -92,6 +93,26 @@ QList<PluginLoadResult> loadPlugins(const QString& folder, const QString& locale
     return results;
 }
 
+// Dates and numbers that plugins format with the system locale follow --locale too, as they would on a
+// desktop set to that language. Only the formats change: the character set stays what it was, since the C
+// library may not have the chosen locale installed.
+void useLocaleForFormats(const QString& locale)
+{
+    QByteArray characters = qgetenv("LC_ALL");
+    if (characters.isEmpty())
+        characters = qgetenv("LC_CTYPE");
+    if (characters.isEmpty())
+        characters = qgetenv("LANG");
+    qunsetenv("LC_ALL");
+    qputenv("LC_CTYPE", characters.isEmpty() ? QByteArrayLiteral("C.UTF-8") : characters);
+    const QByteArray name = QLocale(locale).name().toLatin1() + QByteArrayLiteral(".UTF-8");
+    for (const char* category : {"LC_TIME", "LC_NUMERIC", "LC_MESSAGES"})
+        qputenv(category, name);
+    // Libraries loaded with the host read the system locale before main() runs; a new system locale
+    // object makes Qt read the environment again.
+    static QSystemLocale rereadEnvironment;
+}
+
 // Plugin objects must go while the application object and its services still exist.
 void releasePlugins(const QList<PluginLoadResult>& results)
 {
@@ -126,10 +147,13 @@ int main(int argc, char** argv)
         printLine(stderr,
                   QStringLiteral("Running as root: the web engine's sandbox is turned off for news pages."));
     }
+    const bool knownLocale = options.locale.isEmpty() || QLocale(options.locale).language() != QLocale::C;
+    if (!options.locale.isEmpty() && knownLocale)
+        useLocaleForFormats(options.locale);
     QCoreApplication::setAttribute(Qt::AA_ShareOpenGLContexts);
     CVantrelApp app(argc, argv);
 
-    if (!options.locale.isEmpty() && QLocale(options.locale).language() == QLocale::C)
+    if (!knownLocale)
         printLine(
             stderr,
             QStringLiteral("Unknown locale '%1': texts and dates stay in English.").arg(options.locale));
@@ -142,6 +166,7 @@ int main(int argc, char** argv)
     const QString locale = options.locale.isEmpty() ? QLocale().name() : options.locale;
     if (!options.locale.isEmpty())
         QLocale::setDefault(QLocale(options.locale));
+    HostControl::installTranslations(locale);
     const QString folder = pluginFolder(options);
     const QList<PluginLoadResult> plugins = loadPlugins(folder, locale);
 

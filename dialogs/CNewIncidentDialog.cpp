@@ -1,5 +1,7 @@
 #include "CNewIncidentDialog.h"
 
+#include "CFormTexts.h"
+
 #include "BalloonMessage.h"
 #include "CBusyStateCtl.h"
 #include "CSignInService.h"
@@ -91,6 +93,7 @@ bool CNewIncidentDialog::isFixedTopLevelSize() const
 
 void CNewIncidentDialog::setupUi()
 {
+    CFormTexts::translate(this);
     m_signInControl = findControl<SignInControl>(QStringLiteral("signInControl"));
     m_createAccountLink = findControl<QLabel>(QStringLiteral("createAccountLink"));
     m_messageEdit = findControl<QPlainTextEdit>(QStringLiteral("messageEdit"));

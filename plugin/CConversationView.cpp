@@ -1,5 +1,7 @@
 #include "CConversationView.h"
 
+#include "CThreadPlaceholder.h"
+
 #include "CAttachmentsModel.h"
 #include "CCommunicationObjectModel.h"
 #include "CComposer.h"
@@ -74,8 +76,12 @@ CConversationView::~CConversationView() = default;
 void CConversationView::attach(const Controls& controls, CComposer* composer)
 {
     m_thread = controls.thread;
-    if (m_thread)
+    if (m_thread) {
         m_thread->setAccessibleName(QObject::tr("Conversation"));
+        m_placeholder = new CThreadPlaceholder(m_thread);
+        // Messages arrive by load, by live update and by the user's own sending.
+        connect(&m_document, &QTextDocument::contentsChanged, this, &CConversationView::updatePlaceholder);
+    }
     m_progress = controls.progress;
     m_inputArea = controls.inputArea;
     m_typingLabel = controls.typing;
@@ -276,8 +282,15 @@ void CConversationView::onFetchFinished()
     }
 }
 
+void CConversationView::updatePlaceholder()
+{
+    if (m_placeholder)
+        m_placeholder->update(m_fetch, !m_document.isEmpty());
+}
+
 void CConversationView::setBusy(bool busy)
 {
+    updatePlaceholder();
     if (!m_progress)
         return;
     m_progress->setProperty(kStopAnimationProperty, !busy);

@@ -23,6 +23,7 @@ class CCommunicationObjectModel;
 class CMessageItemsDocument;
 class CNewsFetcher;
 class CustomerEntitiesQueryVectorHandler;
+class CThreadPlaceholder;
 class CViewModelBase;
 class QLabel;
 class QProgressBar;
@@ -115,6 +116,7 @@ private:
     void onMessagesLoaded(const EntityDto::EntityDto& ticket, const QList<EntityDto::EntityDto>& entities);
     void onFetchFinished();
     void setBusy(bool busy);
+    void updatePlaceholder();
     // Puts records into the document in one edit: new ones at the end, new versions in place of old ones.
     void applyMessages(const QList<Incoming>& records);
     void flushIncoming();
@@ -129,6 +131,7 @@ private:
     std::shared_ptr<CNewsFetcher> m_fetcher;
     CCommunicationObjectModel& m_model;
     QPointer<QTextBrowser> m_thread;
+    QPointer<CThreadPlaceholder> m_placeholder;
     QPointer<QProgressBar> m_progress;
     QPointer<QWidget> m_inputArea;
     QPointer<QLabel> m_typingLabel;

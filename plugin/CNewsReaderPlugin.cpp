@@ -6,6 +6,7 @@
 #include "CControlLookup.h"
 #include "CConversationView.h"
 #include "CEmptyListWidget.h"
+#include "CFormTexts.h"
 #include "CMainScreenStyle.h"
 #include "CMessageSender.h"
 #include "CNewIncidentDialog.h"
@@ -15,6 +16,7 @@
 #include "CReadNewsEntryRequest.h"
 #include "CRightHandPage.h"
 #include "CVantrelApp.h"
+#include "CWriteUsOffers.h"
 #include "ConfigurableObjects.h"
 #include "HostWindows.h"
 #include "MetaTypes.h"
@@ -128,6 +130,7 @@ QString CNewsReaderPlugin::getUiFormName() const
 
 void CNewsReaderPlugin::setupView()
 {
+    CFormTexts::translate(CControlLookup::viewOf(this));
     m_issueMessages = CControlLookup::find<QTextBrowser>(this, QStringLiteral("issueMessages"));
     m_issueMessages->setDocument(&m_threadDocument);
     CMainScreenStyle::apply(this);
@@ -140,13 +143,7 @@ void CNewsReaderPlugin::setupView()
     const bool newsView = vantrelApp && vantrelApp->getCanUseWebEngineWidgets() && !IsWindowsPE();
     m_rightHandPage.attach(this, newsView, this, SLOT(onSetWebPageContentFinished(bool)));
 
-    auto* writeUsLabel = CControlLookup::find<QLabel>(this, QStringLiteral("writeUsLabel"));
-    // Hosts on Zendesk take support requests elsewhere, so the page offers no way to start one.
-    if (ConfigurableObjects::isAllowed(QStringLiteral("allowUseIncidents")) &&
-        !ConfigurableObjects::isAllowed(QStringLiteral("useZendeskTickets")))
-        connect(writeUsLabel, &QLabel::linkActivated, this, &CNewsReaderPlugin::onWriteUsLinkActivated);
-    else
-        writeUsLabel->setText(QString());
+    CWriteUsOffers::attach(CControlLookup::viewOf(this), this, [this] { onWriteUsLinkActivated(); });
 
     setupConversation();
 
@@ -542,8 +539,11 @@ void CNewsReaderPlugin::showUrgentToast()
 
 void CNewsReaderPlugin::onNewIncidentCreated(const EntityDto::EntityDto& ticket)
 {
-    if (m_newsFetcher)
-        m_newsFetcher->addNewIncident(ticket);
+    if (!m_newsFetcher)
+        return;
+    // The user wants to see the request they just made: it is selected as soon as the list has it.
+    m_navigator.request(ticket.id);
+    m_newsFetcher->addNewIncident(ticket);
 }
 
 void CNewsReaderPlugin::onProgressTimeout()

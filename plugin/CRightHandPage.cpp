@@ -5,6 +5,7 @@
 #include "CNewsWebPage.h"
 
 #include <QDateTime>
+#include <QLabel>
 #include <QStackedWidget>
 #include <QWebEngineView>
 
@@ -14,6 +15,18 @@ constexpr int kThreadPage = 0;
 constexpr int kNewsViewPage = 1;
 constexpr int kThreadOverduePage = 0;
 constexpr int kThreadPendingPage = 1;
+// The page repeats the beginning of a long opening message; the message itself is on the server.
+constexpr qsizetype kFirstMessageShownChars = 600;
+
+QString shortened(const QString& text)
+{
+    if (text.size() <= kFirstMessageShownChars)
+        return text;
+    qsizetype cut = text.lastIndexOf(QLatin1Char(' '), kFirstMessageShownChars);
+    if (cut < kFirstMessageShownChars / 2)
+        cut = kFirstMessageShownChars;
+    return text.left(cut) + QStringLiteral("…");
+}
 
 } // namespace
 
@@ -23,6 +36,10 @@ void CRightHandPage::attach(const CViewModelBase* viewModel, bool newsView, QObj
     m_pages = CControlLookup::find<QStackedWidget>(viewModel, QStringLiteral("stackedWidget"));
     m_entryStack = CControlLookup::find<QStackedWidget>(viewModel, QStringLiteral("newsStack"));
     m_noThreadStack = CControlLookup::find<QStackedWidget>(viewModel, QStringLiteral("noThreadStack"));
+    const QWidget* view = CControlLookup::viewOf(viewModel);
+    m_noThreadSubject = view->findChild<QLabel*>(QStringLiteral("noThreadSubject"));
+    m_noThreadFirstMessage = view->findChild<QLabel*>(QStringLiteral("noThreadFirstMessage"));
+    m_entryWriteUs = view->findChild<QLabel*>(QStringLiteral("entryWriteUsLabel"));
     if (newsView) {
         auto* view = new QWebEngineView(m_entryStack);
         QObject::connect(view, SIGNAL(loadFinished(bool)), receiver, loadFinishedSlot);
@@ -61,6 +78,7 @@ std::optional<CRightHandPage::Page> CRightHandPage::choose(const CCommunicationO
             created.isValid() && created.secsTo(QDateTime::currentDateTimeUtc()) < ThreadPendingSeconds;
         if (m_noThreadStack)
             m_noThreadStack->setCurrentIndex(pending ? kThreadPendingPage : kThreadOverduePage);
+        showRequest(current);
     }
     setPage(page);
     return page;
@@ -77,6 +95,23 @@ void CRightHandPage::showEntry(bool conversation, const QString& html)
         m_newsView->page()->setHtml(html, QUrl());
     if (m_entryStack)
         m_entryStack->setCurrentIndex(conversation ? kThreadPage : kNewsViewPage);
+    // A link that the host does not allow has no text.
+    if (m_entryWriteUs)
+        m_entryWriteUs->setVisible(!conversation && !m_entryWriteUs->text().isEmpty());
+}
+
+void CRightHandPage::showRequest(const QModelIndex& conversation)
+{
+    // Until support answers, the page shows what the user asked, so that they know it arrived.
+    if (m_noThreadSubject)
+        m_noThreadSubject->setText(conversation.data(CCommunicationObjectModel::TitleRole).toString());
+    const QString firstMessage = conversation.data(CCommunicationObjectModel::ExtraTextRole).toString();
+    if (!m_noThreadFirstMessage)
+        return;
+    m_noThreadFirstMessage->setText(shortened(firstMessage.trimmed()));
+    m_noThreadFirstMessage->setToolTip(firstMessage.size() > kFirstMessageShownChars ? firstMessage
+                                                                                     : QString());
+    m_noThreadFirstMessage->setVisible(!firstMessage.trimmed().isEmpty());
 }
 
 void CRightHandPage::clearNews()

@@ -10,6 +10,7 @@
 class CCommunicationObjectModel;
 class CViewModelBase;
 class QModelIndex;
+class QLabel;
 class QObject;
 class QStackedWidget;
 class QString;
@@ -47,9 +48,15 @@ public:
 
 private:
     void setPage(Page page);
+    void showRequest(const QModelIndex& conversation);
 
     QPointer<QStackedWidget> m_pages;
     QPointer<QStackedWidget> m_entryStack;
     QPointer<QStackedWidget> m_noThreadStack;
+    // Optional parts of the form: what the user asked for while support has not answered, and the
+    // write-us link under a news entry.
+    QPointer<QLabel> m_noThreadSubject;
+    QPointer<QLabel> m_noThreadFirstMessage;
+    QPointer<QLabel> m_entryWriteUs;
     QPointer<QWebEngineView> m_newsView;
 };

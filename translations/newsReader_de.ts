@@ -256,5 +256,93 @@
         <source>Hide %1</source>
         <translation>%1 ausblenden</translation>
     </message>
+    <message>
+        <source>No communications yet</source>
+        <translation>Noch keine Mitteilungen</translation>
+    </message>
+    <message>
+        <source>News from us and your conversations with support will appear here.</source>
+        <translation>Neuigkeiten von uns und Ihre Unterhaltungen mit dem Support erscheinen hier.</translation>
+    </message>
+    <message>
+        <source>&lt;a href=&quot;#write&quot;&gt;Write us a message&lt;/a&gt;</source>
+        <translation>&lt;a href=&quot;#write&quot;&gt;Schreiben Sie uns eine Nachricht&lt;/a&gt;</translation>
+    </message>
+    <message>
+        <source>Select a message on the left to read it</source>
+        <translation>Wählen Sie links eine Nachricht aus, um sie zu lesen</translation>
+    </message>
+    <message>
+        <source>Support has not answered yet. You will find the answer here.</source>
+        <translation>Der Support hat noch nicht geantwortet. Sie finden die Antwort hier.</translation>
+    </message>
+    <message>
+        <source>Your request has been received</source>
+        <translation>Ihre Anfrage ist eingegangen</translation>
+    </message>
+    <message>
+        <source>Support will answer shortly. You will find the answer here.</source>
+        <translation>Der Support antwortet in Kürze. Sie finden die Antwort hier.</translation>
+    </message>
+    <message>
+        <source>New conversation</source>
+        <translation>Neue Unterhaltung</translation>
+    </message>
+    <message>
+        <source>Write to support (Ctrl+N)</source>
+        <translation>An den Support schreiben (Strg+N)</translation>
+    </message>
+    <message>
+        <source>Bold (Ctrl+B)</source>
+        <translation>Fett (Strg+B)</translation>
+    </message>
+    <message>
+        <source>Italic (Ctrl+I)</source>
+        <translation>Kursiv (Strg+I)</translation>
+    </message>
+    <message>
+        <source>Strike out (Shift+Alt+X)</source>
+        <translation>Durchgestrichen (Umschalt+Alt+X)</translation>
+    </message>
+    <message>
+        <source>Write a message</source>
+        <translation>Nachricht schreiben</translation>
+    </message>
+    <message>
+        <source>Send (Ctrl+Enter)</source>
+        <translation>Senden (Strg+Eingabe)</translation>
+    </message>
+    <message>
+        <source>This conversation is closed</source>
+        <translation>Diese Unterhaltung ist geschlossen</translation>
+    </message>
+    <message>
+        <source>Write us a message</source>
+        <translation>Schreiben Sie uns eine Nachricht</translation>
+    </message>
+    <message>
+        <source>No account yet? &lt;a href=&quot;#create-account&quot;&gt;Create an account&lt;/a&gt;</source>
+        <translation>Noch kein Konto? &lt;a href=&quot;#create-account&quot;&gt;Konto anlegen&lt;/a&gt;</translation>
+    </message>
+    <message>
+        <source>Subject</source>
+        <translation>Betreff</translation>
+    </message>
+    <message>
+        <source>What is your question about?</source>
+        <translation>Worum geht es bei Ihrer Frage?</translation>
+    </message>
+    <message>
+        <source>Describe what happened and what you expected. The more we know, the faster we can help.</source>
+        <translation>Beschreiben Sie, was passiert ist und was Sie erwartet haben. Je mehr wir wissen, desto schneller können wir helfen.</translation>
+    </message>
+    <message>
+        <source>Loading the conversation…</source>
+        <translation>Die Unterhaltung wird geladen…</translation>
+    </message>
+    <message>
+        <source>There are no messages in this conversation yet.</source>
+        <translation>In dieser Unterhaltung gibt es noch keine Nachrichten.</translation>
+    </message>
 </context>
 </TS>

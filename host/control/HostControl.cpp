@@ -10,8 +10,12 @@
 #include "SimulatedServer.h"
 
 #include <QAbstractItemModel>
+#include <QCoreApplication>
+#include <QLibraryInfo>
+#include <QLocale>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QTranslator>
 
 namespace HostControl {
 
@@ -162,6 +166,27 @@ void scriptSignInResult(bool succeed, const QString& reason)
 void setAllowed(const QString& id, bool allowed)
 {
     runtime().allowed.insert(id, allowed);
+}
+
+bool installTranslations(const QString& locale)
+{
+    static QTranslator* qtTexts = nullptr;
+    static QTranslator* hostTexts = nullptr;
+    for (QTranslator* old : {qtTexts, hostTexts}) {
+        QCoreApplication::removeTranslator(old);
+        delete old;
+    }
+    const QLocale language(locale);
+    qtTexts = new QTranslator(qApp);
+    if (qtTexts->load(language, QStringLiteral("qtbase"), QStringLiteral("_"),
+                      QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QCoreApplication::installTranslator(qtTexts);
+    hostTexts = new QTranslator(qApp);
+    const bool found =
+        hostTexts->load(language, QStringLiteral("baseLib"), QStringLiteral("_"), QStringLiteral(":/i18n"));
+    if (found)
+        QCoreApplication::installTranslator(hostTexts);
+    return found;
 }
 
 void setVisible(const QString& id, bool visible)

@@ -149,6 +149,10 @@ void setSignedIn(bool signedIn, const QString& firstName = QStringLiteral("Alex"
 void scriptSignInResult(bool succeed, const QString& reason = QString());
 
 void setAllowed(const QString& id, bool allowed);
+// The host's own texts (sign-in form, balloons) and Qt's standard texts (dialog buttons, context menus) in
+// the language of `locale` (for example "de"), as the host installs them at start. Returns whether the
+// host's catalogue was found for it; English needs none.
+bool installTranslations(const QString& locale);
 void setVisible(const QString& id, bool visible);
 void resetSwitches();
 void setSetting(const QString& key, const QVariant& value);

@@ -119,7 +119,8 @@ void CNewsFetcher::Private::fillConversation(Messenger::MessageEntry& entry,
     entry.title = ticket.attributeValue(EntityFields::kSubject).toString();
     entry.subtitle = state;
     entry.dateText = dateText(created, true);
-    entry.extraText.clear();
+    // The opening message the user wrote: the page shows it until support answers.
+    entry.extraText = ticket.attributeValue(EntityFields::kFirstMessage).toString();
     entry.firstTime = created;
     const QDateTime last = parseStamp(ticket.attributeValue(EntityFields::kLastActivity));
     entry.secondTime = last.isValid() ? last : created;

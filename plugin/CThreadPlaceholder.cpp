@@ -1,0 +1,62 @@
+#include "CThreadPlaceholder.h"
+
+#include <QEvent>
+#include <QLabel>
+#include <QTextBrowser>
+
+namespace {
+constexpr int kSideMargin = 24;
+constexpr int kTopMargin = 48;
+} // namespace
+
+CThreadPlaceholder::CThreadPlaceholder(QTextBrowser* view)
+    : QObject(view)
+    , m_view(view)
+{
+    if (!view)
+        return;
+    m_label = new QLabel(view->viewport());
+    m_label->setObjectName(QStringLiteral("threadPlaceholder"));
+    m_label->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+    m_label->setWordWrap(true);
+    m_label->setTextFormat(Qt::PlainText);
+    m_label->setStyleSheet(QStringLiteral("color: #5b6b7b; font-size: 12pt;"));
+    m_label->hide();
+    view->viewport()->installEventFilter(this);
+}
+
+void CThreadPlaceholder::update(bool loading, bool hasMessages)
+{
+    if (!m_label)
+        return;
+    QString text;
+    if (!hasMessages)
+        text = loading ? QObject::tr("Loading the conversation…")
+                       : QObject::tr("There are no messages in this conversation yet.");
+    m_label->setText(text);
+    m_label->setVisible(!text.isEmpty());
+    // Screen readers find the reason in the view's description.
+    if (m_view)
+        m_view->setAccessibleDescription(text);
+    place();
+}
+
+QString CThreadPlaceholder::text() const
+{
+    return m_label && m_label->isVisibleTo(m_label->parentWidget()) ? m_label->text() : QString();
+}
+
+bool CThreadPlaceholder::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::Resize)
+        place();
+    return QObject::eventFilter(watched, event);
+}
+
+void CThreadPlaceholder::place()
+{
+    if (!m_label || !m_view)
+        return;
+    const int width = std::max(0, m_view->viewport()->width() - 2 * kSideMargin);
+    m_label->setGeometry(kSideMargin, kTopMargin, width, m_label->heightForWidth(width));
+}
