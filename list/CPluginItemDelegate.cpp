@@ -1,6 +1,7 @@
 #include "CPluginItemDelegate.h"
 
 #include "CCommunicationObjectModel.h"
+#include "CRowHideActions.h"
 #include "CVantrelApp.h"
 #include "HostColors.h"
 #include "HostPainting.h"
@@ -39,6 +40,9 @@ QColor withAlpha(QColor color, qreal alpha)
 
 CPluginItemDelegate::CPluginItemDelegate(QObject* parent)
     : QAbstractItemDelegate(parent)
+    , m_rowHideActions(new CRowHideActions(
+          &CPluginItemDelegate::canHide, [this](const QModelIndex& index) { emit hideMessageRequest(index); },
+          this))
 {}
 
 CPluginItemDelegate::~CPluginItemDelegate() = default;
@@ -188,6 +192,7 @@ QWidget* CPluginItemDelegate::createEditor(QWidget* parent, const QStyleOptionVi
 {
     if (!canHide(index))
         return nullptr;
+    m_rowHideActions->watch(parent);
     auto* button = new QToolButton(parent);
     button->setObjectName(QString::fromLatin1(kHideButtonName));
     button->setIcon(qtHelpers::images::icon(QStringLiteral("hide-msg")));

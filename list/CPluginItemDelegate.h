@@ -2,10 +2,13 @@
 // Paints the rows of the communication list in the host's navigation tree: folder rows with a title and
 // an expand arrow, entry rows with an icon, a bold title and a date line, faded once read. Entries the
 // user may hide get a small tool button as their persistent editor; its click asks the plugin to hide the
-// entry. Owned by the plugin (installed as its item delegate).
+// entry; Delete and the row's context menu do the same from the keyboard. Owned by the plugin (installed as
+// its item delegate).
 
 #include <QAbstractItemDelegate>
 #include <QFont>
+
+class CRowHideActions;
 
 class CPluginItemDelegate : public QAbstractItemDelegate
 {
@@ -61,6 +64,8 @@ public slots:
     void onHideButtonClicked();
 
 private:
+    CRowHideActions* m_rowHideActions;
+
     void paintFolder(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
     void paintEntry(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
 };

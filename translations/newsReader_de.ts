@@ -344,5 +344,9 @@
         <source>There are no messages in this conversation yet.</source>
         <translation>In dieser Unterhaltung gibt es noch keine Nachrichten.</translation>
     </message>
+    <message>
+        <source>Hide</source>
+        <translation>Ausblenden</translation>
+    </message>
 </context>
 </TS>

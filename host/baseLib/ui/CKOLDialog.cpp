@@ -134,6 +134,9 @@ bool CKOLDialog::LoadUI()
     }
     m_form = form;
     m_layout->insertWidget(0, form, 1);
+    // The form names the window it is shown in.
+    if (windowTitle().isEmpty())
+        setWindowTitle(form->windowTitle());
     return true;
 }
 

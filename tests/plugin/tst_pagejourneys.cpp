@@ -1,0 +1,330 @@
+// Paths a new user takes through the page: starting a conversation from wherever they are, seeing their
+// request while support has not answered, a thread that says why it is empty, hiding list rows without a
+// mouse, and the whole page and dialog in German.
+#include "CNewIncidentDialog.h"
+#include "ConversationScreen.h"
+#include "HostTestMain.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QContextMenuEvent>
+#include <QFile>
+#include <QLineEdit>
+#include <QMenu>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QStackedWidget>
+#include <QTimer>
+#include <QTranslator>
+#include <QTreeView>
+#include <QXmlStreamReader>
+
+namespace {
+
+constexpr int kNoThreadPage = 2;
+constexpr int kOverduePage = 0;
+constexpr int kRequestReceivedPage = 1;
+
+QJsonObject waitingConversation(const QString& id, const QString& created)
+{
+    return {{QStringLiteral("id"), id},
+            {QStringLiteral("subject"), QStringLiteral("Scanner ignores the second tray")},
+            {QStringLiteral("created"), created},
+            {QStringLiteral("hasThread"), false},
+            {QStringLiteral("firstMessage"), QStringLiteral("Since the update only tray one is scanned.")}};
+}
+
+// Runs `fill` on the modal dialog from inside its own event loop, once it is open.
+void whenDialogOpens(QObject* context, std::function<void(CNewIncidentDialog*)> fill)
+{
+    QTimer::singleShot(0, context, [fill] {
+        if (auto* dialog = qobject_cast<CNewIncidentDialog*>(QApplication::activeModalWidget()))
+            fill(dialog);
+    });
+}
+
+// Source texts of a catalogue whose translation differs from them: seen on screen, they are untranslated.
+QSet<QString> englishTexts(const QString& path)
+{
+    QSet<QString> texts;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return texts;
+    QXmlStreamReader xml(&file);
+    QString source;
+    while (!xml.atEnd()) {
+        if (xml.readNext() != QXmlStreamReader::StartElement)
+            continue;
+        if (xml.name() == QLatin1String("source"))
+            source = xml.readElementText();
+        else if (xml.name() == QLatin1String("translation") && xml.readElementText() != source)
+            texts.insert(source);
+    }
+    return texts;
+}
+
+// The translatable texts a Designer form carries.
+QStringList formTexts(const QString& path)
+{
+    QStringList texts;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return texts;
+    QXmlStreamReader xml(&file);
+    while (!xml.atEnd()) {
+        if (xml.readNext() != QXmlStreamReader::StartElement || xml.name() != QLatin1String("string"))
+            continue;
+        const bool translatable = xml.attributes().value(QLatin1String("notr")) != QLatin1String("true");
+        const QString text = xml.readElementText();
+        if (translatable && !text.isEmpty())
+            texts << text;
+    }
+    return texts;
+}
+
+// Every text a widget tree shows or tells a screen reader, named by the widget that carries it.
+QList<QPair<QString, QString>> shownTexts(const QWidget* root)
+{
+    QList<QPair<QString, QString>> texts;
+    QList<QWidget*> widgets = root->findChildren<QWidget*>();
+    widgets.prepend(const_cast<QWidget*>(root));
+    for (const QWidget* widget : std::as_const(widgets)) {
+        for (const char* property : {"text", "placeholderText", "toolTip", "windowTitle", "accessibleName"}) {
+            const QString text = widget->property(property).toString();
+            if (!text.isEmpty())
+                texts.append({widget->objectName() + QLatin1Char('.') + QLatin1String(property), text});
+        }
+        if (const auto* combo = qobject_cast<const QComboBox*>(widget)) {
+            for (int i = 0; i < combo->count(); ++i)
+                texts.append({widget->objectName(), combo->itemText(i)});
+        }
+    }
+    return texts;
+}
+
+} // namespace
+
+class TestPageJourneys : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        HostControl::loadDefaultScenario();
+        HostControl::setSignedIn(true);
+        HostControl::setShowBalloons(false);
+        // News pages play no part here; the page without a web view is the same page.
+        HostControl::setCanUseWebEngine(false);
+        HostControl::setAllowed(QStringLiteral("allowUseIncidents"), true);
+        HostControl::setAllowed(QStringLiteral("useZendeskTickets"), false);
+        HostControl::clearEvents();
+    }
+
+    void aNewConversationCanBeStartedFromEveryPage()
+    {
+        ConversationScreen screen;
+        QVERIFY(screen.open(QStringLiteral("conv-printer")));
+        for (const char* link : {"writeUsLabel", "folderWriteUsLabel", "noThreadWriteUsLabel"})
+            QVERIFY2(!screen.control<QLabel>(link)->text().isEmpty(), link);
+        auto* button = screen.control<QToolButton>("newConversationButton");
+        QVERIFY(button->isVisible());
+        QCOMPARE(button->accessibleName(), QStringLiteral("New conversation"));
+
+        // Ctrl+N anywhere on the page opens the dialog; closing it leaves everything as it was.
+        QString dialogTitle;
+        whenDialogOpens(this, [&dialogTitle](CNewIncidentDialog* dialog) {
+            dialogTitle = dialog->windowTitle();
+            dialog->close();
+        });
+        QTest::keyClick(screen.thread(), Qt::Key_N, Qt::ControlModifier);
+        QCOMPARE(HostControl::events(QStringLiteral("dialogExecuted")).size(), 1);
+        QCOMPARE(dialogTitle, QStringLiteral("Write us a message"));
+
+        // After OK the new conversation is selected and the page confirms the request with what was asked.
+        whenDialogOpens(this, [](CNewIncidentDialog* dialog) {
+            dialog->findChild<QLineEdit*>(QStringLiteral("subjectEdit"))->setText(QStringLiteral("Fax"));
+            dialog->findChild<QPlainTextEdit*>(QStringLiteral("messageEdit"))
+                ->setPlainText(QStringLiteral("The fax line is silent."));
+            dialog->okButton()->click();
+        });
+        button->click();
+        auto* pages = screen.control<QStackedWidget>("stackedWidget");
+        QTRY_COMPARE(pages->currentIndex(), kNoThreadPage);
+        QCOMPARE(screen.control<QStackedWidget>("noThreadStack")->currentIndex(), kRequestReceivedPage);
+        QCOMPARE(screen.control<QLabel>("noThreadSubject")->text(), QStringLiteral("Fax"));
+        QCOMPARE(screen.control<QLabel>("noThreadFirstMessage")->text(),
+                 QStringLiteral("The fax line is silent."));
+        const QString selected = HostControl::events(QStringLiteral("select"))
+                                     .last()
+                                     .details.value(QStringLiteral("key"))
+                                     .toString();
+        QCOMPARE(screen.model()->indexForKey(selected).data(CCommunicationObjectModel::TitleRole).toString(),
+                 QStringLiteral("Fax"));
+    }
+
+    void hostsWithoutOwnConversationsOfferNone()
+    {
+        HostControl::setAllowed(QStringLiteral("useZendeskTickets"), true);
+        ConversationScreen screen;
+        QVERIFY(screen.open(QStringLiteral("conv-printer")));
+        for (const char* link :
+             {"writeUsLabel", "folderWriteUsLabel", "noThreadWriteUsLabel", "entryWriteUsLabel"})
+            QVERIFY2(screen.control<QLabel>(link)->text().isEmpty(), link);
+        QVERIFY(!screen.control<QToolButton>("newConversationButton")->isVisible());
+        QTest::keyClick(screen.thread(), Qt::Key_N, Qt::ControlModifier);
+        QVERIFY(HostControl::events(QStringLiteral("dialogExecuted")).isEmpty());
+    }
+
+    void aRequestWithoutAnswerShowsWhatWasAsked()
+    {
+        HostControl::addConversation(waitingConversation(QStringLiteral("conv-tray"), QStringLiteral("-2d")));
+        ConversationScreen screen;
+        QTRY_VERIFY(screen.model()->indexForKey(QStringLiteral("conv-tray")).isValid());
+        screen.select(QStringLiteral("conv-tray"));
+        QTRY_COMPARE(screen.control<QStackedWidget>("stackedWidget")->currentIndex(), kNoThreadPage);
+        QCOMPARE(screen.control<QStackedWidget>("noThreadStack")->currentIndex(), kOverduePage);
+        QCOMPARE(screen.control<QLabel>("noThreadSubject")->text(),
+                 QStringLiteral("Scanner ignores the second tray"));
+        QCOMPARE(screen.control<QLabel>("noThreadFirstMessage")->text(),
+                 QStringLiteral("Since the update only tray one is scanned."));
+        QCOMPARE(screen.control<QLabel>("noMessagesLabel")->text(),
+                 QStringLiteral("Support has not answered yet. You will find the answer here."));
+    }
+
+    void theThreadSaysWhileItLoads()
+    {
+        ConversationScreen screen;
+        HostControl::setHoldRequests(true);
+        screen.select(QStringLiteral("conv-printer"));
+        auto* placeholder =
+            screen.thread()->viewport()->findChild<QLabel*>(QStringLiteral("threadPlaceholder"));
+        QTRY_VERIFY(placeholder && placeholder->isVisible());
+        QCOMPARE(placeholder->text(), QStringLiteral("Loading the conversation…"));
+        QCOMPARE(screen.thread()->accessibleDescription(), placeholder->text());
+        HostControl::setHoldRequests(false);
+        HostControl::releaseAllRequests();
+        QTRY_VERIFY(screen.messageCount() > 0);
+        QVERIFY(!placeholder->isVisible());
+        QVERIFY(screen.thread()->accessibleDescription().isEmpty());
+    }
+
+    void listRowsAreHiddenByKeyboard()
+    {
+        CNewsReaderPlugin plugin;
+        QTreeView tree;
+        tree.setModel(plugin.getPluginModel().get());
+        tree.setItemDelegate(plugin.getPluginItemDelegate());
+        tree.expandAll();
+        // The host opens the rows' editors (the hide buttons), as it does after every rebuild.
+        const QAbstractItemModel* model = tree.model();
+        QList<QPersistentModelIndex> hideable;
+        QModelIndex pinned;
+        for (const QModelIndex& row :
+             model->match(model->index(0, 0), CCommunicationObjectModel::IsFolderRole, false, -1,
+                          Qt::MatchExactly | Qt::MatchRecursive)) {
+            tree.openPersistentEditor(row);
+            if (tree.indexWidget(row))
+                hideable << row;
+            else if (!pinned.isValid())
+                pinned = row;
+        }
+        QVERIFY(hideable.size() >= 2 && pinned.isValid());
+        tree.show();
+        const auto idOf = [](const QModelIndex& row) {
+            return row.data(CCommunicationObjectModel::KeyRole).toString();
+        };
+        const QString pinnedId = idOf(pinned);
+        const QString firstId = idOf(hideable.at(0));
+        const QString secondId = idOf(hideable.at(1));
+
+        // Delete does nothing on a row that cannot be hidden, and hides one that can.
+        tree.setCurrentIndex(pinned);
+        QTest::keyClick(&tree, Qt::Key_Delete);
+        tree.setCurrentIndex(hideable.at(0));
+        QTest::keyClick(&tree, Qt::Key_Delete);
+        QTRY_VERIFY(HostControl::isNewsEntryHidden(firstId));
+        QVERIFY(!HostControl::isNewsEntryHidden(pinnedId));
+
+        // The Menu key opens the current row's menu; its one action hides the row.
+        tree.setCurrentIndex(plugin.getPluginModel()
+                                 ->match(model->index(0, 0), CCommunicationObjectModel::KeyRole, secondId, 1,
+                                         Qt::MatchExactly | Qt::MatchRecursive)
+                                 .value(0));
+        QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, QPoint(), QPoint());
+        QApplication::sendEvent(&tree, &menuKey);
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        QVERIFY(menu);
+        QCOMPARE(menu->actions().size(), 1);
+        QCOMPARE(menu->actions().first()->text(), QStringLiteral("Hide"));
+        menu->actions().first()->trigger();
+        QTRY_VERIFY(HostControl::isNewsEntryHidden(secondId));
+    }
+
+    void germanUsersSeeNoEnglish()
+    {
+        CNewsReaderPlugin catalogueOwner;
+        QVERIFY(catalogueOwner.installPluginTranslation(qApp, QStringLiteral("de")));
+        QVERIFY(HostControl::installTranslations(QStringLiteral("de")));
+        const auto english =
+            englishTexts(QStringLiteral(NEWSREADER_SOURCE_DIR "/translations/newsReader_de.ts")) +
+            englishTexts(QStringLiteral(NEWSREADER_SOURCE_DIR "/host/baseLib/translations/baseLib_de.ts"));
+        QVERIFY(english.size() > 80);
+
+        // Every text of the module's forms has a German translation.
+        for (const char* form : {"newsReader.mainScreen.ui", "communications.createIncident.ui"}) {
+            const QStringList texts =
+                formTexts(QStringLiteral(NEWSREADER_SOURCE_DIR "/host/baseLib/forms/") + QLatin1String(form));
+            QVERIFY(!texts.isEmpty());
+            for (const QString& text : texts)
+                QVERIFY2(english.contains(text), qPrintable(QStringLiteral("%1: %2").arg(form, text)));
+        }
+
+        // The page, every page of it, shows none of the English texts.
+        {
+            ConversationScreen screen;
+            QVERIFY(screen.open(QStringLiteral("conv-printer")));
+            for (const auto& [where, text] : shownTexts(screen.view))
+                QVERIFY2(!english.contains(text), qPrintable(where + QStringLiteral(": ") + text));
+        }
+
+        // The dialog, signed out and after signing in (its buttons are named anew then).
+        HostControl::setSignedIn(false);
+        bool checked = false;
+        whenDialogOpens(this, [&checked, &english](CNewIncidentDialog* dialog) {
+            const auto check = [dialog, &english] {
+                for (const auto& [where, text] : shownTexts(dialog)) {
+                    if (english.contains(text))
+                        return QString(where + QStringLiteral(": ") + text);
+                }
+                return QString();
+            };
+            QString failure = check();
+            HostControl::scriptSignInResult(true);
+            dialog->findChild<QLineEdit*>(QStringLiteral("signInEmail"))->setText(QStringLiteral("a@b.de"));
+            dialog->findChild<QLineEdit*>(QStringLiteral("signInPassword"))
+                ->setText(QStringLiteral("secret"));
+            dialog->okButton()->click();
+            const bool signedIn = QTest::qWaitFor(
+                [dialog] { return dialog->okButton()->text() != QStringLiteral("Anmelden"); });
+            if (!signedIn && failure.isEmpty())
+                failure = QStringLiteral("the dialog stayed on its sign-in page");
+            if (failure.isEmpty())
+                failure = check();
+            const QString cancel = dialog->cancelButton()->text();
+            if (failure.isEmpty() &&
+                (cancel == QStringLiteral("Cancel") || cancel == QStringLiteral("&Cancel")))
+                failure = QStringLiteral("cancel button: ") + cancel;
+            checked = failure.isEmpty();
+            if (!failure.isEmpty())
+                qWarning("%s", qPrintable(failure));
+            dialog->close();
+        });
+        CNewsReaderPlugin plugin;
+        plugin.onWriteUsLinkActivated();
+        QVERIFY(checked);
+    }
+};
+
+HOST_TEST_MAIN(TestPageJourneys)
+#include "tst_pagejourneys.moc"
