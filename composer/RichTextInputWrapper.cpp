@@ -104,8 +104,11 @@ RichTextInputWrapper::RichTextInputWrapper(QObject* parent, QWidget* toolbar, QT
                &RichTextInputWrapper::setItalic);
     bindButton(m_strikeOutButton, QKeySequence(Qt::SHIFT | Qt::ALT | Qt::Key_X), QObject::tr("Strike out"),
                &RichTextInputWrapper::setStrikeOut);
-    if (m_paragraphItemsCombo)
+    if (m_paragraphItemsCombo) {
         m_paragraphItemsCombo->setAccessibleName(QObject::tr("Paragraph style"));
+        // Reached by Tab; a click still leaves the focus (and the selection) in the editor.
+        m_paragraphItemsCombo->setFocusPolicy(Qt::TabFocus);
+    }
     if (editor)
         editor->setAccessibleName(QObject::tr("Message"));
 }

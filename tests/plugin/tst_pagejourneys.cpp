@@ -9,6 +9,7 @@
 #include <QComboBox>
 #include <QContextMenuEvent>
 #include <QFile>
+#include <QHBoxLayout>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPlainTextEdit>
@@ -119,6 +120,61 @@ private slots:
         HostControl::setAllowed(QStringLiteral("allowUseIncidents"), true);
         HostControl::setAllowed(QStringLiteral("useZendeskTickets"), false);
         HostControl::clearEvents();
+    }
+
+    void keyboardOnlyFromListToSentMessage()
+    {
+        ConversationScreen screen;
+        QWidget window;
+        auto* layout = new QHBoxLayout(&window);
+        auto* tree = new QTreeView;
+        tree->setModel(screen.model());
+        tree->setItemDelegate(screen.plugin->getPluginItemDelegate());
+        tree->expandAll();
+        for (const QModelIndex& row :
+             screen.model()->match(screen.model()->index(0, 0), CCommunicationObjectModel::IsFolderRole,
+                                   false, -1, Qt::MatchExactly | Qt::MatchRecursive))
+            tree->openPersistentEditor(row);
+        connect(tree->selectionModel(), &QItemSelectionModel::currentChanged, screen.plugin.get(),
+                [&screen](const QModelIndex& index) { screen.plugin->onPluginItemSelected(index, {}); });
+        layout->addWidget(tree);
+        layout->addWidget(screen.view);
+        window.resize(1280, 800);
+        window.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&window));
+
+        tree->setCurrentIndex(screen.model()->indexForKey(QStringLiteral("conv-printer")));
+        QTRY_VERIFY(!screen.busy() && screen.messageCount() > 0);
+        tree->setFocus();
+        const QPersistentModelIndex chosen = tree->currentIndex();
+
+        // Tab leaves the list without moving its selection and walks the page's visible controls to the
+        // composer.
+        QStringList visited;
+        for (int step = 0; step < 20 && QApplication::focusWidget() != screen.editor(); ++step) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            QWidget* focus = QApplication::focusWidget();
+            QVERIFY(focus && focus->isVisible());
+            QVERIFY2(!focus->accessibleName().isEmpty() || !focus->property("text").toString().isEmpty(),
+                     qPrintable(focus->objectName()));
+            visited << focus->objectName();
+        }
+        QCOMPARE(QModelIndex(chosen), tree->currentIndex());
+        QCOMPARE(QApplication::focusWidget(), screen.editor());
+        for (const char* stop : {"newConversationButton", "issueMessages", "boldButton", "strikeOutButton",
+                                 "paragraphItemsCombo"})
+            QVERIFY2(visited.contains(QLatin1String(stop)), qPrintable(visited.join(QLatin1Char(','))));
+
+        QTest::keyClicks(screen.editor(), QStringLiteral("Sent without a mouse"));
+        QTest::keyClick(screen.editor(), Qt::Key_Return, Qt::ControlModifier);
+        QTRY_COMPARE(HostControl::threadMessages(QStringLiteral("conv-printer"))
+                         .last()
+                         .value(QStringLiteral("text"))
+                         .toString(),
+                     QStringLiteral("Sent without a mouse"));
+        // Shift+Tab goes back the same way.
+        QTest::keyClick(screen.editor(), Qt::Key_Backtab, Qt::ShiftModifier);
+        QVERIFY(QApplication::focusWidget() != screen.editor());
     }
 
     void aNewConversationCanBeStartedFromEveryPage()
