@@ -211,6 +211,12 @@ void CNewsFetcher::Private::refresh()
         meta.insert(ticket.id, {EntryKind::Conversation, false});
         conversationOrder.append(ticket.id);
     }
+    // The conversation with the latest activity comes first, as in a mail program; a request just made is
+    // the latest of all.
+    std::stable_sort(conversationOrder.begin(), conversationOrder.end(),
+                     [this](const QString& a, const QString& b) {
+                         return entries.value(a)->secondTime > entries.value(b)->secondTime;
+                     });
 }
 
 bool CNewsFetcher::Private::matches(const QString& id, QFlags<NewsListFilterFlag> filter,

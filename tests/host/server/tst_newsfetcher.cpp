@@ -75,7 +75,8 @@ private slots:
         QTest::newRow("1 important messages") << 1u << QStringList{"imp-unread", "imp-read"};
         QTest::newRow("10 offers") << 10u << QStringList{"offer-current", "offer-open"};
         QTest::newRow("6 offers history") << 6u << QStringList{"offer-expired", "offer-expired-read"};
-        QTest::newRow("64 issues") << 64u << QStringList{"conv-unread", "conv-read", "conv-nothread"};
+        QTest::newRow("64 issues, latest activity first")
+            << 64u << QStringList{"conv-nothread", "conv-unread", "conv-read"};
         QTest::newRow("17 unread urgent news") << 17u << QStringList{"imp-unread"};
         QTest::newRow("26 unread offers") << 26u << QStringList{"offer-current"};
         QTest::newRow("22 unread offers history") << 22u << QStringList{"offer-expired"};
@@ -89,9 +90,9 @@ private slots:
             << 2u << QStringList{"offer-current", "offer-open", "offer-expired", "offer-expired-read"};
         QTest::newRow("33 hidden included") << 33u << QStringList{"imp-unread", "imp-hidden", "imp-read"};
         QTest::newRow("96 hidden conversations included")
-            << 96u << QStringList{"conv-unread", "conv-read", "conv-hidden", "conv-nothread"};
+            << 96u << QStringList{"conv-hidden", "conv-nothread", "conv-unread", "conv-read"};
         QTest::newRow("65 news and issues together")
-            << 65u << QStringList{"imp-unread", "imp-read", "conv-unread", "conv-read", "conv-nothread"};
+            << 65u << QStringList{"imp-unread", "imp-read", "conv-nothread", "conv-unread", "conv-read"};
     }
 
     void filterSelectsTheFoldersEntries()
@@ -148,7 +149,7 @@ private slots:
     void conversationEntriesCarryTheTicket()
     {
         const auto list = m_fetcher->getNewsList(CNewsFetcher::FilterIssues);
-        const Messenger::MessageEntry& waiting = *list.at(0);
+        const Messenger::MessageEntry& waiting = *list.at(1);
         QCOMPARE(waiting.title, QStringLiteral("Invoice"));
         QCOMPARE(waiting.subtitle, QStringLiteral("Waiting for your reply"));
         QCOMPARE(waiting.status, 1);
@@ -166,12 +167,12 @@ private slots:
         QCOMPARE(opening.threadId, QStringLiteral("conv-unread"));
         QCOMPARE(opening.time, waiting.firstTime);
 
-        QCOMPARE(list.at(1)->status, 2);
-        QCOMPARE(list.at(1)->subtitle, QStringLiteral("Closed"));
-        const auto fresh = list.at(2)->entity.value<EntityDto::EntityDto>();
+        QCOMPARE(list.at(2)->status, 2);
+        QCOMPARE(list.at(2)->subtitle, QStringLiteral("Closed"));
+        const auto fresh = list.at(0)->entity.value<EntityDto::EntityDto>();
         QVERIFY(fresh.attribute(QStringLiteral("CHAT_DEFAULT_THREAD_ID")));
         QVERIFY(fresh.attributeValue(QStringLiteral("CHAT_DEFAULT_THREAD_ID")).toString().isEmpty());
-        QVERIFY(list.at(2)->draftEntity.isNull());
+        QVERIFY(list.at(0)->draftEntity.isNull());
     }
 
     void newMessagesArriveAsSignals()
@@ -268,7 +269,7 @@ private slots:
         m_fetcher->addNewIncident(ticket);
         QCOMPARE(changed.count(), 0);
         QVERIFY(QTest::qWaitFor([&] { return changed.count() == 1; }, kWaitMs));
-        QCOMPARE(idsOf(m_fetcher->getNewsList(CNewsFetcher::FilterIssues)).last(),
+        QCOMPARE(idsOf(m_fetcher->getNewsList(CNewsFetcher::FilterIssues)).first(),
                  QStringLiteral("conv-local"));
     }
 
