@@ -9,6 +9,7 @@
 
 #include <QAction>
 #include <QActionGroup>
+#include <QApplication>
 #include <QDateTime>
 #include <QGroupBox>
 #include <QInputDialog>
@@ -36,6 +37,7 @@ const QString kLastNameKey = QStringLiteral("lastName");
 // whichever of the two comes first.
 const QString kSendPath = QStringLiteral("/communications");
 constexpr int kTooLargeStatus = 413;
+constexpr int kLongConversationMessages = 10000;
 constexpr int kServerErrorStatus = 500;
 const QList<int> kLatencyChoicesMs{0, 500, 2000};
 constexpr int kPendingRefreshMs = 250;
@@ -126,6 +128,12 @@ void SimulationDock::buildMessageActions()
     addAction(group, tr("Delete last message"), [this] { deleteLastMessage(); });
     addAction(group, tr("Edit last message…"), [this] { editLastMessage(); });
     addAction(group, tr("Rename a participant…"), [this] { renameParticipant(); });
+    addAction(group, tr("Add a conversation of 10,000 messages"), [] {
+        // Generating and listing it takes a moment; the menu comes back when it is there.
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+        HostControl::addGeneratedConversation(kLongConversationMessages);
+        QApplication::restoreOverrideCursor();
+    });
     m_groups.append(group);
 }
 

@@ -46,6 +46,9 @@ void clearServer();
 void addNewsEntry(const QJsonObject& entry);
 void removeNewsEntry(const QString& id);
 void addConversation(const QJsonObject& conversation);
+// A conversation of `messageCount` generated messages of many shapes (GeneratedConversation.h); returns its
+// id.
+QString addGeneratedConversation(int messageCount, quint32 seed = 1);
 void setConversationState(const QString& conversationId, const QString& stateKey);
 // A new message in the conversation's thread from `senderId` (a participant id; empty: the support agent
 // of the conversation); returns the message id.

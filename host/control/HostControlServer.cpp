@@ -2,6 +2,7 @@
 // whose push signals reach plugins through the news fetcher.
 #include "HostControl.h"
 
+#include "GeneratedConversation.h"
 #include "ScenarioCodec.h"
 #include "SimulatedServer.h"
 
@@ -96,6 +97,13 @@ void addNewsEntry(const QJsonObject& entry)
 void removeNewsEntry(const QString& id)
 {
     server().removeNewsEntry(id);
+}
+
+QString addGeneratedConversation(int messageCount, quint32 seed)
+{
+    const QString id = QStringLiteral("conv-generated-%1-%2").arg(messageCount).arg(seed);
+    addConversation(GeneratedConversation::make(id, messageCount, seed));
+    return id;
 }
 
 void addConversation(const QJsonObject& conversation)

@@ -2,6 +2,7 @@
 // event loop, errors carry status and message, limits, holding, latency, drafts, downloads and thread order.
 #include "ChatServiceApi.h"
 #include "CommunicationEntityUpdateHandler.h"
+#include "GeneratedConversation.h"
 #include "HostTestMain.h"
 #include "SimulatedServer.h"
 #include "TicketServiceApi.h"
@@ -281,6 +282,28 @@ private slots:
         QCOMPARE(edited.attributeValue(QStringLiteral("EDIT_VERSION")).toInt(), 2);
         QCOMPARE(edited.attributeValue(QStringLiteral("VERSION_KEY")).toString(), QStringLiteral("m-mid"));
         QCOMPARE(edited.attributeValue(QStringLiteral("ATTACHMENTS")).toList().size(), 1);
+    }
+
+    void generatedConversationsAreLongVariedAndRepeatable()
+    {
+        const QString id = HostControl::addGeneratedConversation(400, 7);
+        const QList<QJsonObject> messages = HostControl::threadMessages(id);
+        QCOMPARE(messages.size(), 400);
+        QSet<QString> senders;
+        int withFiles = 0;
+        int tables = 0;
+        for (const QJsonObject& message : messages) {
+            senders.insert(message.value(QStringLiteral("sender")).toString());
+            withFiles += message.value(QStringLiteral("attachments")).toArray().isEmpty() ? 0 : 1;
+            tables +=
+                message.value(QStringLiteral("text")).toString().contains(QStringLiteral("|---|")) ? 1 : 0;
+        }
+        QCOMPARE(senders.size(), 3);
+        QVERIFY(withFiles > 5 && tables > 5);
+        QCOMPARE(GeneratedConversation::make(QStringLiteral("x"), 50, 7),
+                 GeneratedConversation::make(QStringLiteral("x"), 50, 7));
+        QVERIFY(GeneratedConversation::make(QStringLiteral("x"), 50, 7) !=
+                GeneratedConversation::make(QStringLiteral("x"), 50, 8));
     }
 
     void draftsCreateUpdateDeleteRoundTrip()
