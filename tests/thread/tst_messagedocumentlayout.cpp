@@ -127,6 +127,43 @@ private slots:
                  CVantrelApp::GetColor(clrBubbleOwn));
     }
 
+    void markdownTablesHaveSingleBordersAndPaddedCells()
+    {
+        CIncidentCommunication m = message(true);
+        m.text = "| A | B |\n|---|---|\n| 1 | 2 |";
+        CMessageItemsDocument doc;
+        const CMessageItemIndex index = doc.appendMessage(m);
+        const QImage image = render(doc);
+        QTextTable* table = nullptr;
+        for (QTextFrame* child : index.frame->childFrames())
+            table = table ? table : qobject_cast<QTextTable*>(child);
+        QVERIFY(table);
+        auto* layout = static_cast<newsReader::QTextDocumentLayout*>(doc.documentLayout());
+        const QRectF first = layout->tableCellBoundingRect(table, table->cellAt(0, 0));
+        const QRectF last = layout->tableCellBoundingRect(table, table->cellAt(0, 1));
+        // Just inside the top of the first row: a line where cells meet and at both ends, nothing else.
+        const int y = int(first.top()) + 2;
+        int lines = 0;
+        bool onLine = false;
+        for (int x = int(first.left()) - 4; x <= int(last.right()) + 4; ++x) {
+            const bool dark = qGray(image.pixel(x, y)) < 200;
+            lines += dark && !onLine;
+            onLine = dark;
+        }
+        QCOMPARE(lines, 3);
+        // The text keeps its distance from the lines.
+        int inkLeft = -1;
+        for (int x = int(first.left()) + 2; x < int(first.right()) && inkLeft < 0; ++x) {
+            for (int row = int(first.top()) + 2; row < int(first.bottom()) - 2; ++row) {
+                if (qGray(image.pixel(x, row)) < 128) {
+                    inkLeft = x;
+                    break;
+                }
+            }
+        }
+        QVERIFY2(inkLeft >= first.left() + 4, qPrintable(QString::number(inkLeft - first.left())));
+    }
+
     void plainCellBackgroundStaysSquare()
     {
         QTextDocument doc;
