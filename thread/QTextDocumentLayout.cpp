@@ -2,6 +2,7 @@
 
 #include "CBackgroundCapture.h"
 #include "CColorIndexes.h"
+#include "CListNumberPainter.h"
 #include "CNinePatch.h"
 #include "CVantrelApp.h"
 #include "MessageFormatProperties.h"
@@ -87,11 +88,6 @@ void QTextDocumentLayout::collectChildFrames(QTextFrame* frame, const QRectF& vi
                                              std::vector<Background>& out) const
 {
     const QList<QTextFrame*> children = frame->childFrames();
-    auto rectOf = [this](QTextFrame* child) {
-        if (auto* table = qobject_cast<QTextTable*>(child))
-            return tableBoundingRect(table);
-        return frameBoundingRect(child);
-    };
     auto first = children.cbegin();
     if (!frame->parentFrame()) {
         // The root frame's children follow one another downwards, so the visible ones are found by bisection:
@@ -356,7 +352,41 @@ void QTextDocumentLayout::draw(QPainter* painter, const PaintContext& context)
 
     for (const Background& background : backgrounds)
         drawBackground(background.format, painter, background.rect, background.brush);
+    CListNumberPainter numbers(*this, messageTablesIn(area));
+    numbers.hide();
     ::QTextDocumentLayout::draw(painter, context);
+    numbers.restore();
+    numbers.paint(painter, context);
+}
+
+QRectF QTextDocumentLayout::rectOf(QTextFrame* frame) const
+{
+    if (auto* table = qobject_cast<QTextTable*>(frame))
+        return tableBoundingRect(table);
+    return frameBoundingRect(frame);
+}
+
+QList<QTextTable*> QTextDocumentLayout::messageTablesIn(const QRectF& area) const
+{
+    const QList<QTextFrame*> children = document()->rootFrame()->childFrames();
+    auto first = children.cbegin();
+    // Laid out to the end, the tables follow one another downwards and the first one in the area is found
+    // by bisection; while the layout is lazy, those below it have no place yet and are passed over.
+    if (layoutStatus() == kLayoutComplete) {
+        first = std::partition_point(children.cbegin(), children.cend(), [this, &area](QTextFrame* child) {
+            return rectOf(child).bottom() < area.top();
+        });
+    }
+    QList<QTextTable*> tables;
+    for (auto it = first; it != children.cend(); ++it) {
+        auto* table = qobject_cast<QTextTable*>(*it);
+        const QRectF rect = rectOf(*it);
+        if (rect.top() > area.bottom() && !rect.isEmpty())
+            break;
+        if (table && rect.intersects(area))
+            tables.append(table);
+    }
+    return tables;
 }
 
 void QTextDocumentLayout::drawBackground(const QTextFormat& format, QPainter* painter, const QRectF& rect,

@@ -60,6 +60,9 @@ private:
     struct Background;
 
     void catchUpLayout() const;
+    QRectF rectOf(QTextFrame* frame) const;
+    // The message tables that reach into `area`.
+    QList<QTextTable*> messageTablesIn(const QRectF& area) const;
     void captureBackgrounds(QPainter* painter, const PaintContext& context, const QRectF& visible,
                             std::vector<Background>& out);
 

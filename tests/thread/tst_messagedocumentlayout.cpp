@@ -6,6 +6,8 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QPainter>
+#include <QTextBlock>
+#include <QTextList>
 #include <QTextTable>
 
 class TestMessageDocumentLayout : public QObject
@@ -162,6 +164,42 @@ private slots:
             }
         }
         QVERIFY2(inkLeft >= first.left() + 4, qPrintable(QString::number(inkLeft - first.left())));
+    }
+
+    void orderedListNumbersSitOnTheBaseline_data()
+    {
+        QTest::addColumn<QString>("body");
+        QTest::newRow("plain item") << "1. Word\n2. Next";
+        QTest::newRow("item that starts large")
+            << "<ol><li><span style=\"font-size:28pt\">Big</span> word</li></ol>";
+    }
+    void orderedListNumbersSitOnTheBaseline()
+    {
+        QFETCH(QString, body);
+        CIncidentCommunication m = message(true);
+        m.text = body;
+        CMessageItemsDocument doc;
+        doc.appendMessage(m);
+        const QImage image = render(doc);
+        QTextBlock item = doc.begin();
+        while (item.isValid() && !item.textList())
+            item = item.next();
+        QVERIFY(item.isValid());
+        const QRectF block = doc.documentLayout()->blockBoundingRect(item);
+        const QTextLine line = item.layout()->lineAt(0);
+        const int baseline = qRound(block.top() + line.y() + line.ascent());
+        // The number's ink, left of the item's text and within its first line, ends on the text's baseline.
+        const QRectF text = line.naturalTextRect().translated(block.topLeft());
+        int inkBottom = -1;
+        for (int y = int(block.top() + line.y()); y < int(block.top() + line.y() + line.height()); ++y) {
+            for (int x = int(text.left()) - 40; x < int(text.left()) - 1; ++x) {
+                if (qGray(image.pixel(x, y)) < 128)
+                    inkBottom = y;
+            }
+        }
+        QVERIFY(inkBottom >= 0);
+        QVERIFY2(qAbs(inkBottom + 1 - baseline) <= 1,
+                 qPrintable(QStringLiteral("ink ends at %1, baseline %2").arg(inkBottom + 1).arg(baseline)));
     }
 
     void plainCellBackgroundStaysSquare()
