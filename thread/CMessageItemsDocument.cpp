@@ -663,32 +663,48 @@ QString CMessageItemsDocument::makeProgressImage(int percent, const QString& fil
     if (hasImage(name))
         return name;
 
-    QPixmap ring(kRingSize, kRingSize);
+    // Drawn in units of the ring's size on a pixmap of the view's pixel density: sharp on every screen, and
+    // the same size in the layout as the icon it replaces.
+    const QRectF area(0, 0, kRingSize, kRingSize);
+    QPixmap ring((area.size() * m_pixelRatio).toSize());
+    ring.setDevicePixelRatio(m_pixelRatio);
     ring.fill(Qt::transparent);
     if (percent < kComplete) {
         QPainter painter(&ring);
         painter.setRenderHint(QPainter::Antialiasing);
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
         painter.setPen(
             QPen(QBrush(hostColor(clrAccent)), kRingPenWidth, Qt::SolidLine, Qt::RoundCap, Qt::BevelJoin));
-        const QRectF bounds = QRectF(ring.rect()).adjusted(kRingInset, kRingInset, -kRingInset, -kRingInset);
+        const QRectF bounds = area.adjusted(kRingInset, kRingInset, -kRingInset, -kRingInset);
         painter.drawArc(bounds, kRingStartAngle, int(percent * -kSixteenthsPerTurn / 100.0));
         if (cancellable) {
-            painter.drawPixmap(ring.rect(),
+            painter.drawPixmap(area.toRect(),
                                qtHelpers::images::pixmap(QStringLiteral("ico-stop-download"), -1, true));
         } else {
             const QImage source = qvariant_cast<QImage>(resource(ImageResource, QUrl(extension)));
-            const QImage icon = source.isNull()
-                                    ? source
-                                    : source.scaled(kRingIconSize, kRingIconSize, Qt::KeepAspectRatio,
-                                                    Qt::SmoothTransformation);
-            if (!icon.isNull())
-                painter.drawImage(QPointF(ring.width() / 2.0 - icon.width() / 2.0,
-                                          ring.height() / 2.0 - icon.height() / 2.0),
+            const int iconPixels = qRound(kRingIconSize * m_pixelRatio);
+            QImage icon = source.isNull() ? source
+                                          : source.scaled(iconPixels, iconPixels, Qt::KeepAspectRatio,
+                                                          Qt::SmoothTransformation);
+            if (!icon.isNull()) {
+                icon.setDevicePixelRatio(m_pixelRatio);
+                const QSizeF iconSize = icon.deviceIndependentSize();
+                painter.drawImage(QPointF(kRingSize / 2.0 - iconSize.width() / 2.0,
+                                          kRingSize / 2.0 - iconSize.height() / 2.0),
                                   icon);
+            }
         }
     }
-    addResource(ImageResource, QUrl(name), ring.toImage());
+    QImage ringImage = ring.toImage();
+    ringImage.setDevicePixelRatio(m_pixelRatio);
+    addResource(ImageResource, QUrl(name), ringImage);
     return name;
+}
+
+void CMessageItemsDocument::setDevicePixelRatio(qreal ratio)
+{
+    if (ratio > 0)
+        m_pixelRatio = ratio;
 }
 
 // Puts `image` in place of the block's last character (its icon or mark). All of it happens inside an edit
@@ -774,8 +790,12 @@ void CMessageItemsDocument::setContentsThumbnail(const CMessageItemIndex& index,
     cursor.setPosition(table->lastPosition(), QTextCursor::KeepAnchor);
 
     const QString name = newsReader::thumbnailName(attachmentId);
-    if (!hasImage(name))
-        addResource(ImageResource, QUrl(name), thumbnail.toImage());
+    if (!hasImage(name)) {
+        // At its own size in device-independent pixels: a thumbnail made for a dense screen stays as large.
+        QImage picture = thumbnail.toImage();
+        picture.setDevicePixelRatio(thumbnail.devicePixelRatio());
+        addResource(ImageResource, QUrl(name), picture);
+    }
 
     cursor.beginEditBlock();
     cursor.insertBlock();

@@ -65,6 +65,10 @@ public:
                               const QPixmap& thumbnail);
     void setAttachUploadProgress(const CMessageItemIndex& index, const QString& attachmentId, int percent);
     void setAttachProgress(const QString& attachmentId, int percent);
+    // The device pixel ratio of the view that shows the document: pictures the document draws itself
+    // (progress rings) are drawn with that many pixels per unit, at the same size.
+    void setDevicePixelRatio(qreal ratio);
+    qreal devicePixelRatio() const { return m_pixelRatio; }
 
     // Whether a body is shown as HTML (it holds some element with its matching closing tag on one line) or
     // as Markdown. Runs in time linear in the body's length, whatever the body holds.
@@ -120,4 +124,5 @@ private:
     QTextBlock findAttachmentBlock(const QString& attachmentId, int kind) const;
 
     CMessageRegister m_register;
+    qreal m_pixelRatio = 1.0;
 };
