@@ -598,14 +598,16 @@ QRectF CMessageItemsDocument::attachmentRect(const QString& attachmentId) const
 
 // --- delivery states ---------------------------------------------------------------------------------------
 
-void CMessageItemsDocument::setDeliveryStatus(const CMessageItemIndex& index, DeliveryStatus status)
+void CMessageItemsDocument::setDeliveryStatus(const CMessageItemIndex& index, DeliveryStatus status,
+                                              const QString& sendAgainLink)
 {
     if (!index.isValid())
         return;
-    setDeliveryStatusForFrame(index.frame, status);
+    setDeliveryStatusForFrame(index.frame, status, sendAgainLink);
 }
 
-void CMessageItemsDocument::setDeliveryStatusForFrame(QTextTable* table, DeliveryStatus status)
+void CMessageItemsDocument::setDeliveryStatusForFrame(QTextTable* table, DeliveryStatus status,
+                                                      const QString& sendAgainLink)
 {
     const QTextBlock footer = findBlock(table, kBubbleColumn, [](const QTextBlock& block) {
         const CBlockIdentification* id = identificationOf(block);
@@ -618,6 +620,7 @@ void CMessageItemsDocument::setDeliveryStatusForFrame(QTextTable* table, Deliver
         cursor.setPosition(footer.position() + footer.length() - 2);
         cursor.setPosition(footer.position() + footer.length() - 1, QTextCursor::KeepAnchor);
         insertDeliveryStatus(cursor, status);
+        writeNotSentNote(cursor, footer, status == DeliveryFailed, sendAgainLink);
         cursor.endEditBlock();
     }
     // The failure tint deliberately outlives later states: it goes only when the message's table is rebuilt.
@@ -626,6 +629,36 @@ void CMessageItemsDocument::setDeliveryStatusForFrame(QTextTable* table, Deliver
         format.setBackground(hostColor(clrFailureTint));
         table->setFormat(format);
     }
+}
+
+// The note is the footer's first line, ended by a line break inside the block: the footer stays one tagged
+// block whose last character is the status image, and the note never runs on into the time.
+void CMessageItemsDocument::writeNotSentNote(QTextCursor& cursor, const QTextBlock& footer, bool failed,
+                                             const QString& link)
+{
+    const int lineEnd = int(footer.text().indexOf(QChar::LineSeparator));
+    if (lineEnd >= 0) {
+        cursor.setPosition(footer.position());
+        cursor.setPosition(footer.position() + lineEnd + 1, QTextCursor::KeepAnchor);
+        cursor.removeSelectedText();
+    }
+    if (!failed)
+        return;
+    cursor.setPosition(footer.position());
+    QTextCharFormat note = smallSecondaryFormat();
+    note.setFontWeight(kBoldWeight);
+    note.setForeground(hostColor(clrWindowText));
+    cursor.insertText(QObject::tr("Not sent"), note);
+    if (!link.isEmpty()) {
+        cursor.insertText(QStringLiteral(" \u00b7 "), smallSecondaryFormat());
+        QTextCharFormat anchor = note;
+        anchor.setAnchor(true);
+        anchor.setAnchorHref(link);
+        anchor.setFontUnderline(true);
+        anchor.setForeground(hostColor(clrLink));
+        cursor.insertText(QObject::tr("Send again"), anchor);
+    }
+    cursor.insertText(QString(QChar::LineSeparator), smallSecondaryFormat());
 }
 
 void CMessageItemsDocument::insertDeliveryStatus(QTextCursor& cursor, DeliveryStatus status)

@@ -59,7 +59,10 @@ public:
     // document does not show it.
     QRectF attachmentRect(const QString& attachmentId) const;
 
-    void setDeliveryStatus(const CMessageItemIndex& index, DeliveryStatus status);
+    // An own message whose delivery failed says so above its time; given `sendAgainLink`, the note offers to
+    // send it again through that link. Any other status takes the note away.
+    void setDeliveryStatus(const CMessageItemIndex& index, DeliveryStatus status,
+                           const QString& sendAgainLink = QString());
 
     void setContentsThumbnail(const CMessageItemIndex& index, const QString& attachmentId,
                               const QPixmap& thumbnail);
@@ -103,7 +106,9 @@ private:
     void insertSizeLine(QTextCursor& cursor, const CIncidentAttachment& attachment, qreal bottomMargin);
     QString extensionIcon(const CIncidentAttachment& attachment);
 
-    void setDeliveryStatusForFrame(QTextTable* table, DeliveryStatus status);
+    void setDeliveryStatusForFrame(QTextTable* table, DeliveryStatus status,
+                                   const QString& sendAgainLink = QString());
+    void writeNotSentNote(QTextCursor& cursor, const QTextBlock& footer, bool failed, const QString& link);
     void insertDeliveryStatus(QTextCursor& cursor, DeliveryStatus status);
     QString makeProgressImage(int percent, const QString& fileName, bool cancellable);
     bool hasImage(const QString& name) const;

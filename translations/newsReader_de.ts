@@ -256,5 +256,13 @@
         <source>Hide %1</source>
         <translation>%1 ausblenden</translation>
     </message>
+    <message>
+        <source>Not sent</source>
+        <translation>Nicht gesendet</translation>
+    </message>
+    <message>
+        <source>Send again</source>
+        <translation>Erneut senden</translation>
+    </message>
 </context>
 </TS>
