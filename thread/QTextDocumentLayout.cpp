@@ -88,6 +88,11 @@ void QTextDocumentLayout::collectChildFrames(QTextFrame* frame, const QRectF& vi
                                              std::vector<Background>& out) const
 {
     const QList<QTextFrame*> children = frame->childFrames();
+    auto rectOf = [this](QTextFrame* child) {
+        if (auto* table = qobject_cast<QTextTable*>(child))
+            return tableBoundingRect(table);
+        return frameBoundingRect(child);
+    };
     auto first = children.cbegin();
     if (!frame->parentFrame()) {
         // The root frame's children follow one another downwards, so the visible ones are found by bisection:
@@ -359,32 +364,24 @@ void QTextDocumentLayout::draw(QPainter* painter, const PaintContext& context)
     numbers.paint(painter, context);
 }
 
-QRectF QTextDocumentLayout::rectOf(QTextFrame* frame) const
-{
-    if (auto* table = qobject_cast<QTextTable*>(frame))
-        return tableBoundingRect(table);
-    return frameBoundingRect(frame);
-}
-
+// Found by position: the toolkit's hit test finds a place in the root frame by bisection, and nothing below
+// the area is laid out for it (a long thread may still be laid out lazily). A point between two messages may
+// hit either, so one table more is taken on each side.
 QList<QTextTable*> QTextDocumentLayout::messageTablesIn(const QRectF& area) const
 {
+    const int top = std::max(0, hitTest(area.topLeft(), Qt::FuzzyHit));
+    const int bottom = std::max(top, hitTest(area.bottomRight(), Qt::FuzzyHit));
     const QList<QTextFrame*> children = document()->rootFrame()->childFrames();
-    auto first = children.cbegin();
-    // Laid out to the end, the tables follow one another downwards and the first one in the area is found
-    // by bisection; while the layout is lazy, those below it have no place yet and are passed over.
-    if (layoutStatus() == kLayoutComplete) {
-        first = std::partition_point(children.cbegin(), children.cend(), [this, &area](QTextFrame* child) {
-            return rectOf(child).bottom() < area.top();
-        });
-    }
+    auto it = std::partition_point(children.cbegin(), children.cend(),
+                                   [top](QTextFrame* child) { return child->lastPosition() < top; });
+    if (it != children.cbegin())
+        --it;
     QList<QTextTable*> tables;
-    for (auto it = first; it != children.cend(); ++it) {
-        auto* table = qobject_cast<QTextTable*>(*it);
-        const QRectF rect = rectOf(*it);
-        if (rect.top() > area.bottom() && !rect.isEmpty())
-            break;
-        if (table && rect.intersects(area))
+    for (; it != children.cend(); ++it) {
+        if (auto* table = qobject_cast<QTextTable*>(*it))
             tables.append(table);
+        if ((*it)->firstPosition() > bottom)
+            break;
     }
     return tables;
 }

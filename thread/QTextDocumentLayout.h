@@ -60,7 +60,6 @@ private:
     struct Background;
 
     void catchUpLayout() const;
-    QRectF rectOf(QTextFrame* frame) const;
     // The message tables that reach into `area`.
     QList<QTextTable*> messageTablesIn(const QRectF& area) const;
     void captureBackgrounds(QPainter* painter, const PaintContext& context, const QRectF& visible,
