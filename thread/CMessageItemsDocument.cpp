@@ -4,7 +4,7 @@
 #include "CBlockIdentification.h"
 #include "CColorIndexes.h"
 #include "CFrameTreeSplicer.h"
-#include "CMarkdownFragment.h"
+#include "CMarkdownInserter.h"
 #include "CMessageBody.h"
 #include "CResourceGuard.h"
 #include "CShellImageList.h"
@@ -436,7 +436,7 @@ void CMessageItemsDocument::insertBody(QTextCursor& cursor, const CIncidentCommu
         cursor.insertHtml(body.text());
         break;
     case CMessageBody::Markdown:
-        cursor.insertFragment(CMarkdownFragment::fromMarkdown(body.text()));
+        CMarkdownInserter::insert(cursor, body.text());
         break;
     case CMessageBody::PlainText:
         cursor.insertText(body.text(), cursor.blockCharFormat());
