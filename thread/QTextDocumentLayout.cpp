@@ -230,6 +230,10 @@ void QTextDocumentLayout::timerEvent(QTimerEvent* event)
         return;
     }
     ::QTextDocumentLayout::timerEvent(event);
+    if (m_listNumbersPending && layoutStatus() == kLayoutComplete) {
+        m_listNumbersPending = false;
+        emit update();
+    }
 }
 
 int QTextDocumentLayout::hitTest(const QPointF& point, Qt::HitTestAccuracy accuracy) const
@@ -364,24 +368,29 @@ void QTextDocumentLayout::draw(QPainter* painter, const PaintContext& context)
     numbers.paint(painter, context);
 }
 
-// Found by position: the toolkit's hit test finds a place in the root frame by bisection, and nothing below
-// the area is laid out for it (a long thread may still be laid out lazily). A point between two messages may
-// hit either, so one table more is taken on each side.
-QList<QTextTable*> QTextDocumentLayout::messageTablesIn(const QRectF& area) const
+// Only a finished layout places every table without laying out more, and finds the first one in the area by
+// bisection. While it is still lazy the toolkit draws the numbers its own way; the area is painted again once
+// the layout has finished.
+QList<QTextTable*> QTextDocumentLayout::messageTablesIn(const QRectF& area)
 {
-    const int top = std::max(0, hitTest(area.topLeft(), Qt::FuzzyHit));
-    const int bottom = std::max(top, hitTest(area.bottomRight(), Qt::FuzzyHit));
-    const QList<QTextFrame*> children = document()->rootFrame()->childFrames();
-    auto it = std::partition_point(children.cbegin(), children.cend(),
-                                   [top](QTextFrame* child) { return child->lastPosition() < top; });
-    if (it != children.cbegin())
-        --it;
     QList<QTextTable*> tables;
-    for (; it != children.cend(); ++it) {
-        if (auto* table = qobject_cast<QTextTable*>(*it))
-            tables.append(table);
-        if ((*it)->firstPosition() > bottom)
+    if (layoutStatus() != kLayoutComplete) {
+        m_listNumbersPending = true;
+        return tables;
+    }
+    const QList<QTextFrame*> children = document()->rootFrame()->childFrames();
+    const auto first =
+        std::partition_point(children.cbegin(), children.cend(), [this, &area](QTextFrame* child) {
+            auto* table = qobject_cast<QTextTable*>(child);
+            return (table ? tableBoundingRect(table) : frameBoundingRect(child)).bottom() < area.top();
+        });
+    for (auto it = first; it != children.cend(); ++it) {
+        auto* table = qobject_cast<QTextTable*>(*it);
+        if (!table)
+            continue;
+        if (tableBoundingRect(table).top() > area.bottom())
             break;
+        tables.append(table);
     }
     return tables;
 }

@@ -60,8 +60,8 @@ private:
     struct Background;
 
     void catchUpLayout() const;
-    // The message tables that reach into `area`.
-    QList<QTextTable*> messageTablesIn(const QRectF& area) const;
+    // The message tables that reach into `area`; none while the layout is lazy.
+    QList<QTextTable*> messageTablesIn(const QRectF& area);
     void captureBackgrounds(QPainter* painter, const PaintContext& context, const QRectF& visible,
                             std::vector<Background>& out);
 
@@ -83,6 +83,8 @@ private:
     QRectF m_paintArea;
     mutable bool m_layoutPending = false;
     bool m_inPlace = false;
+    // A paint left the list numbers to the toolkit because the layout was not finished.
+    bool m_listNumbersPending = false;
     mutable QBasicTimer m_catchUpTimer;
 };
 
