@@ -230,10 +230,7 @@ void QTextDocumentLayout::timerEvent(QTimerEvent* event)
         return;
     }
     ::QTextDocumentLayout::timerEvent(event);
-    if (m_listNumbersPending && layoutStatus() == kLayoutComplete) {
-        m_listNumbersPending = false;
-        emit update();
-    }
+    repaintListNumbersOnceDone();
 }
 
 int QTextDocumentLayout::hitTest(const QPointF& point, Qt::HitTestAccuracy accuracy) const
@@ -251,7 +248,18 @@ int QTextDocumentLayout::pageCount() const
 QSizeF QTextDocumentLayout::documentSize() const
 {
     catchUpLayout();
-    return ::QTextDocumentLayout::documentSize();
+    const QSizeF size = ::QTextDocumentLayout::documentSize();
+    repaintListNumbersOnceDone();
+    return size;
+}
+
+// The layout finishes in its own time steps or when asked for the document's size.
+void QTextDocumentLayout::repaintListNumbersOnceDone() const
+{
+    if (!m_listNumbersPending || layoutStatus() != kLayoutComplete)
+        return;
+    m_listNumbersPending = false;
+    emit const_cast<QTextDocumentLayout*>(this)->update();
 }
 
 QRectF QTextDocumentLayout::frameBoundingRect(QTextFrame* frame) const
