@@ -29,12 +29,7 @@ void CMainScreenStyle::apply(const CViewModelBase* screen)
     auto* listBackground = control<QWidget>(screen, "messageListView");
     listBackground->setAutoFillBackground(true);
     setBackground(listBackground, QPalette::Window);
-    auto* typing = control<QLabel>(screen, "typingLabel");
-    styleControl(typing, kTypingPointSize, kNormalWeight);
-    // The band keeps its height while nobody types; it continues the thread's page instead of standing out
-    // as a strip of window colour between the thread and the composer.
-    typing->setAutoFillBackground(true);
-    setBackground(typing, QPalette::Window);
+    styleControl(control<QLabel>(screen, "typingLabel"), kTypingPointSize, kNormalWeight);
 
     auto* thread = control<QTextBrowser>(screen, "issueMessages");
     QFont threadFont = thread->font();
