@@ -365,6 +365,15 @@ CCommunicationObjectModel::sendDraft(const QModelIndex& index, const QList<Attac
     return keeper ? keeper->sendDraft(attachments) : nullptr;
 }
 
+CommunicationEntityCreateHandler*
+CCommunicationObjectModel::postMessage(const QModelIndex& index, const QString& text,
+                                       const QList<AttachmentEntity>& attachments)
+{
+    const CCommunicationObjectItem* item = itemAt(index);
+    DraftMessageItem* keeper = item ? draftKeeper(keyOf(item)) : nullptr;
+    return keeper ? keeper->postMessage(text, attachments) : nullptr;
+}
+
 QModelIndex CCommunicationObjectModel::indexForKey(const QString& key) const
 {
     return indexOf(m_items.value(key));

@@ -81,6 +81,10 @@ public:
     // Posts the conversation's text as a message; null when the index has no draft keeper.
     CommunicationEntityCreateHandler* sendDraft(const QModelIndex& index,
                                                 const QList<AttachmentEntity>& attachments);
+    // Posts `text` as a message of the conversation and leaves its draft alone (a message sent again);
+    // null when the index has no draft keeper.
+    CommunicationEntityCreateHandler* postMessage(const QModelIndex& index, const QString& text,
+                                                  const QList<AttachmentEntity>& attachments);
 
     // The item with that key ("folder-<n>" or an entry id), or the invalid index.
     QModelIndex indexForKey(const QString& key) const;

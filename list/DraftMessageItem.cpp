@@ -68,6 +68,12 @@ CommunicationEntityCreateHandler* DraftMessageItem::sendDraft(const QList<Attach
     const QString text = m_entry->draftText;
     m_entry->draftEntity = QVariant();
     m_entry->draftText.clear();
+    return postMessage(text, attachments);
+}
+
+CommunicationEntityCreateHandler*
+DraftMessageItem::postMessage(const QString& text, const QList<AttachmentEntity>& attachments) const
+{
     return ChatServiceApi::startCreateThreadMessage(threadId(), text, attachments, false);
 }
 

@@ -44,6 +44,9 @@ public:
     void setDraftEntity(const EntityDto::EntityDto& entity);
     // Deletes the saved draft and posts the text as a real message; the caller follows the returned handler.
     CommunicationEntityCreateHandler* sendDraft(const QList<AttachmentEntity>& attachments);
+    // Posts `text` as a real message into the conversation's thread; the draft stays as it is.
+    CommunicationEntityCreateHandler* postMessage(const QString& text,
+                                                  const QList<AttachmentEntity>& attachments) const;
 
     std::shared_ptr<Messenger::MessageEntry> entry() const { return m_entry; }
     // The thread of the conversation `entity` (a variant holding the ticket), empty when it names none.

@@ -27,6 +27,7 @@
 #include <QTextBrowser>
 #include <QUrl>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -204,9 +205,14 @@ void CAttachmentOpener::makeThumbnail(const CMessageItemIndex& index, const QStr
     const std::shared_ptr<CFilePreviewHandler> handler = m_previews.getPreviewHandlerForPath(item);
     if (!handler)
         return;
-    const QPixmap thumbnail = handler->getThumbnail(ThumbnailSize, item);
+    // Asked for at the view's pixel density. The handler never enlarges a picture beyond its own size, so a
+    // small picture keeps the size it has on an ordinary screen instead of shrinking.
+    const qreal ratio = m_thread ? std::max(qreal(1.0), m_thread->devicePixelRatioF()) : qreal(1.0);
+    QPixmap thumbnail = handler->getThumbnail(unsigned(std::ceil(ThumbnailSize * ratio)), item);
     if (thumbnail.isNull())
         return;
+    const int longerSide = std::max(thumbnail.width(), thumbnail.height());
+    thumbnail.setDevicePixelRatio(std::max(qreal(1.0), longerSide / qreal(ThumbnailSize)));
     // A reader at the newest message stays there while the pictures above grow the thread.
     QScrollBar* bar = m_thread ? m_thread->verticalScrollBar() : nullptr;
     const bool atEnd = bar && bar->value() == bar->maximum();

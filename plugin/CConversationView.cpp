@@ -167,6 +167,9 @@ void CConversationView::show(const QModelIndex& index)
 {
     m_conversation = index;
     m_threadId = index.data(CCommunicationObjectModel::KeyRole).toString();
+    // The view may have moved to another screen since the last thread was shown.
+    if (m_thread)
+        m_document.setDevicePixelRatio(m_thread->devicePixelRatioF());
     m_attachments.setThreadId(m_threadId);
     emit composerStateChanged();
     showHeader(index, true);

@@ -17,9 +17,12 @@
 #include <QTextBrowser>
 #include <QTextEdit>
 
+#include <algorithm>
+
 namespace {
 
 const QString kNameSeparator = QStringLiteral(", ");
+const QString kSendAgainScheme = QStringLiteral("sendagain:");
 
 } // namespace
 
@@ -115,11 +118,16 @@ void CMessageSender::send(const QModelIndex& conversation)
     }
 
     CommunicationEntityCreateHandler* handler = m_model.sendDraft(conversation, uploads);
-    PendingSend pending{record, record, m_document.appendMessage(record)};
+    PendingSend pending{record, record, m_document.appendMessage(record), text, uploads, ++m_serial};
+    follow(threadId, handler, pending);
+}
+
+void CMessageSender::follow(const QString& threadId, CommunicationEntityCreateHandler* handler,
+                            PendingSend pending)
+{
     if (!handler) {
         // No keeper for this conversation: nothing left, but what the user wrote stays in view.
-        m_document.setDeliveryStatus(pending.index, CMessageItemsDocument::DeliveryFailed);
-        m_refused[threadId].append(pending.index);
+        markRefused(threadId, pending);
         return;
     }
     connect(handler, &CAbstractRestApi::requestErrorOccured, this,
@@ -129,8 +137,46 @@ void CMessageSender::send(const QModelIndex& conversation)
             [this, threadId, handler](bool ok) { onFinished(threadId, handler, ok); });
     m_document.setDeliveryStatus(pending.index, CMessageItemsDocument::NotDelivered);
     m_pending.insert(threadId, pending);
-    m_view->scrollTo(pending.index);
+    if (m_view)
+        m_view->scrollTo(pending.index);
     emit canSendChanged();
+}
+
+void CMessageSender::markRefused(const QString& threadId, const PendingSend& pending)
+{
+    m_refused[threadId].append(pending);
+    m_document.setDeliveryStatus(pending.index, CMessageItemsDocument::DeliveryFailed,
+                                 sendAgainLink(pending.serial));
+}
+
+QString CMessageSender::sendAgainLink(quint64 serial)
+{
+    return kSendAgainScheme + QString::number(serial);
+}
+
+bool CMessageSender::isSendAgainLink(const QString& href)
+{
+    return href.startsWith(kSendAgainScheme);
+}
+
+void CMessageSender::sendAgain(const QString& href)
+{
+    if (!isSendAgainLink(href) || !m_view || !m_view->canCompose())
+        return;
+    const QString threadId = m_view->currentThreadId();
+    const auto refused = m_refused.find(threadId);
+    // One message at a time per conversation, as with the send button.
+    if (refused == m_refused.end() || isPending(threadId))
+        return;
+    const auto again = std::find_if(refused->begin(), refused->end(), [&](const PendingSend& candidate) {
+        return sendAgainLink(candidate.serial) == href && candidate.index.isValid();
+    });
+    if (again == refused->end())
+        return;
+    const PendingSend pending = *again;
+    refused->erase(again);
+    follow(threadId, m_model.postMessage(m_view->currentConversation(), pending.text, pending.uploads),
+           pending);
 }
 
 CIncidentCommunication CMessageSender::outgoingRecord(const QString& threadId, const QString& text) const
@@ -159,8 +205,7 @@ void CMessageSender::onRefused(const QString& threadId, int status, const QStrin
     QString text = status == kTooLargeStatus ? tooLargeText() : message.trimmed();
     if (text.isEmpty())
         text = QObject::tr("The message could not be sent. Please try again later.");
-    m_refused[threadId].append(pending->index);
-    m_document.setDeliveryStatus(pending->index, CMessageItemsDocument::DeliveryFailed);
+    markRefused(threadId, *pending);
     showRefusal(*pending, text);
 }
 
@@ -202,11 +247,12 @@ void CMessageSender::onThreadLoaded(const QString& threadId)
     const auto refused = m_refused.find(threadId);
     if (refused == m_refused.end())
         return;
-    for (CMessageItemIndex& index : *refused) {
-        if (index.isValid())
+    for (PendingSend& send : *refused) {
+        if (send.index.isValid())
             continue;
-        index = m_document.appendMessage(index.message);
-        m_document.setDeliveryStatus(index, CMessageItemsDocument::DeliveryFailed);
+        send.index = m_document.appendMessage(send.built);
+        m_document.setDeliveryStatus(send.index, CMessageItemsDocument::DeliveryFailed,
+                                     sendAgainLink(send.serial));
     }
 }
 

@@ -4,8 +4,11 @@
 // yet delivered, and marks it delivered or failed when the server answers. One message per conversation
 // may wait for its answer; that blocks only its own conversation. A message whose answer comes while another
 // conversation is shown is put back, with its state, when its conversation is loaded again, so that nothing
-// the user wrote disappears. Created by the plugin; works once the composer and conversation view exist.
+// the user wrote disappears. A refused message keeps its text and files and offers, in its bubble, to be sent
+// again; it then goes the way of any other message and the same bubble shows its answer. Created by the
+// plugin; works once the composer and conversation view exist.
 
+#include "AttachmentEntity.h"
 #include "CIncidentCommunication.h"
 #include "CMessageItemIndex.h"
 
@@ -48,6 +51,12 @@ public:
     bool isPending(const QString& threadId) const;
     // Sends the composer's text and files into `conversation`, the shown conversation.
     void send(const QModelIndex& conversation);
+    // The "Send again" link of a refused message of the shown conversation was followed: the message goes
+    // again, with the text and files it had, unless another message of the conversation is on its way.
+    void sendAgain(const QString& href);
+
+    static QString sendAgainLink(quint64 serial);
+    static bool isSendAgainLink(const QString& href);
 
     // The texts of the two checks and of a refusal for too large files.
     static QString forbiddenNamesText(const QStringList& badNames);
@@ -64,9 +73,17 @@ private:
         CIncidentCommunication built;
         CIncidentCommunication updated;
         CMessageItemIndex index;
+        // What the server is given, kept until it has the message.
+        QString text;
+        QList<AttachmentEntity> uploads;
+        // Names the message in its "Send again" link.
+        quint64 serial = 0;
     };
 
     CIncidentCommunication outgoingRecord(const QString& threadId, const QString& text) const;
+    // Follows the answer to a message just handed to the server (a null handler: nothing left).
+    void follow(const QString& threadId, CommunicationEntityCreateHandler* handler, PendingSend pending);
+    void markRefused(const QString& threadId, const PendingSend& pending);
     void onRefused(const QString& threadId, int status, const QString& message);
     void onFinished(const QString& threadId, CommunicationEntityCreateHandler* handler, bool ok);
     // Shows the waiting and refused messages of a conversation whose thread was just loaded.
@@ -83,5 +100,6 @@ private:
     QHash<QString, PendingSend> m_pending;
     // Refused messages per conversation, kept for as long as the plugin lives; an index is invalid while
     // its conversation is not shown.
-    QHash<QString, QList<CMessageItemIndex>> m_refused;
+    QHash<QString, QList<PendingSend>> m_refused;
+    quint64 m_serial = 0;
 };

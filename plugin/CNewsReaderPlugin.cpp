@@ -185,6 +185,11 @@ bool CNewsReaderPlugin::eventFilter(QObject* watched, QEvent* event)
 
 void CNewsReaderPlugin::onThreadAnchorClicked(const QUrl& url)
 {
+    const QString href = url.toString();
+    if (CMessageSender::isSendAgainLink(href)) {
+        m_sender->sendAgain(href);
+        return;
+    }
     m_attachmentOpener->onLinkClicked(url);
 }
 

@@ -4,6 +4,7 @@
 #include "CBlockIdentification.h"
 #include "CColorIndexes.h"
 #include "CFrameTreeSplicer.h"
+#include "CMarkdownInserter.h"
 #include "CMessageBody.h"
 #include "CResourceGuard.h"
 #include "CShellImageList.h"
@@ -435,7 +436,7 @@ void CMessageItemsDocument::insertBody(QTextCursor& cursor, const CIncidentCommu
         cursor.insertHtml(body.text());
         break;
     case CMessageBody::Markdown:
-        cursor.insertMarkdown(body.text(), QTextDocument::MarkdownDialectGitHub);
+        CMarkdownInserter::insert(cursor, body.text());
         break;
     case CMessageBody::PlainText:
         cursor.insertText(body.text(), cursor.blockCharFormat());
@@ -597,14 +598,16 @@ QRectF CMessageItemsDocument::attachmentRect(const QString& attachmentId) const
 
 // --- delivery states ---------------------------------------------------------------------------------------
 
-void CMessageItemsDocument::setDeliveryStatus(const CMessageItemIndex& index, DeliveryStatus status)
+void CMessageItemsDocument::setDeliveryStatus(const CMessageItemIndex& index, DeliveryStatus status,
+                                              const QString& sendAgainLink)
 {
     if (!index.isValid())
         return;
-    setDeliveryStatusForFrame(index.frame, status);
+    setDeliveryStatusForFrame(index.frame, status, sendAgainLink);
 }
 
-void CMessageItemsDocument::setDeliveryStatusForFrame(QTextTable* table, DeliveryStatus status)
+void CMessageItemsDocument::setDeliveryStatusForFrame(QTextTable* table, DeliveryStatus status,
+                                                      const QString& sendAgainLink)
 {
     const QTextBlock footer = findBlock(table, kBubbleColumn, [](const QTextBlock& block) {
         const CBlockIdentification* id = identificationOf(block);
@@ -617,6 +620,7 @@ void CMessageItemsDocument::setDeliveryStatusForFrame(QTextTable* table, Deliver
         cursor.setPosition(footer.position() + footer.length() - 2);
         cursor.setPosition(footer.position() + footer.length() - 1, QTextCursor::KeepAnchor);
         insertDeliveryStatus(cursor, status);
+        writeNotSentNote(cursor, footer, status == DeliveryFailed, sendAgainLink);
         cursor.endEditBlock();
     }
     // The failure tint deliberately outlives later states: it goes only when the message's table is rebuilt.
@@ -625,6 +629,36 @@ void CMessageItemsDocument::setDeliveryStatusForFrame(QTextTable* table, Deliver
         format.setBackground(hostColor(clrFailureTint));
         table->setFormat(format);
     }
+}
+
+// The note is the footer's first line, ended by a line break inside the block: the footer stays one tagged
+// block whose last character is the status image, and the note never runs on into the time.
+void CMessageItemsDocument::writeNotSentNote(QTextCursor& cursor, const QTextBlock& footer, bool failed,
+                                             const QString& link)
+{
+    const int lineEnd = int(footer.text().indexOf(QChar::LineSeparator));
+    if (lineEnd >= 0) {
+        cursor.setPosition(footer.position());
+        cursor.setPosition(footer.position() + lineEnd + 1, QTextCursor::KeepAnchor);
+        cursor.removeSelectedText();
+    }
+    if (!failed)
+        return;
+    cursor.setPosition(footer.position());
+    QTextCharFormat note = smallSecondaryFormat();
+    note.setFontWeight(kBoldWeight);
+    note.setForeground(hostColor(clrWindowText));
+    cursor.insertText(QObject::tr("Not sent"), note);
+    if (!link.isEmpty()) {
+        cursor.insertText(QStringLiteral(" \u00b7 "), smallSecondaryFormat());
+        QTextCharFormat anchor = note;
+        anchor.setAnchor(true);
+        anchor.setAnchorHref(link);
+        anchor.setFontUnderline(true);
+        anchor.setForeground(hostColor(clrLink));
+        cursor.insertText(QObject::tr("Send again"), anchor);
+    }
+    cursor.insertText(QString(QChar::LineSeparator), smallSecondaryFormat());
 }
 
 void CMessageItemsDocument::insertDeliveryStatus(QTextCursor& cursor, DeliveryStatus status)
@@ -662,32 +696,48 @@ QString CMessageItemsDocument::makeProgressImage(int percent, const QString& fil
     if (hasImage(name))
         return name;
 
-    QPixmap ring(kRingSize, kRingSize);
+    // Drawn in units of the ring's size on a pixmap of the view's pixel density: sharp on every screen, and
+    // the same size in the layout as the icon it replaces.
+    const QRectF area(0, 0, kRingSize, kRingSize);
+    QPixmap ring((area.size() * m_pixelRatio).toSize());
+    ring.setDevicePixelRatio(m_pixelRatio);
     ring.fill(Qt::transparent);
     if (percent < kComplete) {
         QPainter painter(&ring);
         painter.setRenderHint(QPainter::Antialiasing);
+        painter.setRenderHint(QPainter::SmoothPixmapTransform);
         painter.setPen(
             QPen(QBrush(hostColor(clrAccent)), kRingPenWidth, Qt::SolidLine, Qt::RoundCap, Qt::BevelJoin));
-        const QRectF bounds = QRectF(ring.rect()).adjusted(kRingInset, kRingInset, -kRingInset, -kRingInset);
+        const QRectF bounds = area.adjusted(kRingInset, kRingInset, -kRingInset, -kRingInset);
         painter.drawArc(bounds, kRingStartAngle, int(percent * -kSixteenthsPerTurn / 100.0));
         if (cancellable) {
-            painter.drawPixmap(ring.rect(),
+            painter.drawPixmap(area.toRect(),
                                qtHelpers::images::pixmap(QStringLiteral("ico-stop-download"), -1, true));
         } else {
             const QImage source = qvariant_cast<QImage>(resource(ImageResource, QUrl(extension)));
-            const QImage icon = source.isNull()
-                                    ? source
-                                    : source.scaled(kRingIconSize, kRingIconSize, Qt::KeepAspectRatio,
-                                                    Qt::SmoothTransformation);
-            if (!icon.isNull())
-                painter.drawImage(QPointF(ring.width() / 2.0 - icon.width() / 2.0,
-                                          ring.height() / 2.0 - icon.height() / 2.0),
+            const int iconPixels = qRound(kRingIconSize * m_pixelRatio);
+            QImage icon = source.isNull() ? source
+                                          : source.scaled(iconPixels, iconPixels, Qt::KeepAspectRatio,
+                                                          Qt::SmoothTransformation);
+            if (!icon.isNull()) {
+                icon.setDevicePixelRatio(m_pixelRatio);
+                const QSizeF iconSize = icon.deviceIndependentSize();
+                painter.drawImage(QPointF(kRingSize / 2.0 - iconSize.width() / 2.0,
+                                          kRingSize / 2.0 - iconSize.height() / 2.0),
                                   icon);
+            }
         }
     }
-    addResource(ImageResource, QUrl(name), ring.toImage());
+    QImage ringImage = ring.toImage();
+    ringImage.setDevicePixelRatio(m_pixelRatio);
+    addResource(ImageResource, QUrl(name), ringImage);
     return name;
+}
+
+void CMessageItemsDocument::setDevicePixelRatio(qreal ratio)
+{
+    if (ratio > 0)
+        m_pixelRatio = ratio;
 }
 
 // Puts `image` in place of the block's last character (its icon or mark). All of it happens inside an edit
@@ -773,8 +823,12 @@ void CMessageItemsDocument::setContentsThumbnail(const CMessageItemIndex& index,
     cursor.setPosition(table->lastPosition(), QTextCursor::KeepAnchor);
 
     const QString name = newsReader::thumbnailName(attachmentId);
-    if (!hasImage(name))
-        addResource(ImageResource, QUrl(name), thumbnail.toImage());
+    if (!hasImage(name)) {
+        // At its own size in device-independent pixels: a thumbnail made for a dense screen stays as large.
+        QImage picture = thumbnail.toImage();
+        picture.setDevicePixelRatio(thumbnail.devicePixelRatio());
+        addResource(ImageResource, QUrl(name), picture);
+    }
 
     cursor.beginEditBlock();
     cursor.insertBlock();

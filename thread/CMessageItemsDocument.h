@@ -59,12 +59,19 @@ public:
     // document does not show it.
     QRectF attachmentRect(const QString& attachmentId) const;
 
-    void setDeliveryStatus(const CMessageItemIndex& index, DeliveryStatus status);
+    // An own message whose delivery failed says so above its time; given `sendAgainLink`, the note offers to
+    // send it again through that link. Any other status takes the note away.
+    void setDeliveryStatus(const CMessageItemIndex& index, DeliveryStatus status,
+                           const QString& sendAgainLink = QString());
 
     void setContentsThumbnail(const CMessageItemIndex& index, const QString& attachmentId,
                               const QPixmap& thumbnail);
     void setAttachUploadProgress(const CMessageItemIndex& index, const QString& attachmentId, int percent);
     void setAttachProgress(const QString& attachmentId, int percent);
+    // The device pixel ratio of the view that shows the document: pictures the document draws itself
+    // (progress rings) are drawn with that many pixels per unit, at the same size.
+    void setDevicePixelRatio(qreal ratio);
+    qreal devicePixelRatio() const { return m_pixelRatio; }
 
     // Whether a body is shown as HTML (it holds some element with its matching closing tag on one line) or
     // as Markdown. Runs in time linear in the body's length, whatever the body holds.
@@ -99,7 +106,9 @@ private:
     void insertSizeLine(QTextCursor& cursor, const CIncidentAttachment& attachment, qreal bottomMargin);
     QString extensionIcon(const CIncidentAttachment& attachment);
 
-    void setDeliveryStatusForFrame(QTextTable* table, DeliveryStatus status);
+    void setDeliveryStatusForFrame(QTextTable* table, DeliveryStatus status,
+                                   const QString& sendAgainLink = QString());
+    void writeNotSentNote(QTextCursor& cursor, const QTextBlock& footer, bool failed, const QString& link);
     void insertDeliveryStatus(QTextCursor& cursor, DeliveryStatus status);
     QString makeProgressImage(int percent, const QString& fileName, bool cancellable);
     bool hasImage(const QString& name) const;
@@ -120,4 +129,5 @@ private:
     QTextBlock findAttachmentBlock(const QString& attachmentId, int kind) const;
 
     CMessageRegister m_register;
+    qreal m_pixelRatio = 1.0;
 };

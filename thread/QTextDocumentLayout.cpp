@@ -2,6 +2,7 @@
 
 #include "CBackgroundCapture.h"
 #include "CColorIndexes.h"
+#include "CListNumberPainter.h"
 #include "CNinePatch.h"
 #include "CVantrelApp.h"
 #include "MessageFormatProperties.h"
@@ -229,6 +230,7 @@ void QTextDocumentLayout::timerEvent(QTimerEvent* event)
         return;
     }
     ::QTextDocumentLayout::timerEvent(event);
+    repaintListNumbersOnceDone();
 }
 
 int QTextDocumentLayout::hitTest(const QPointF& point, Qt::HitTestAccuracy accuracy) const
@@ -246,7 +248,18 @@ int QTextDocumentLayout::pageCount() const
 QSizeF QTextDocumentLayout::documentSize() const
 {
     catchUpLayout();
-    return ::QTextDocumentLayout::documentSize();
+    const QSizeF size = ::QTextDocumentLayout::documentSize();
+    repaintListNumbersOnceDone();
+    return size;
+}
+
+// The layout finishes in its own time steps or when asked for the document's size.
+void QTextDocumentLayout::repaintListNumbersOnceDone() const
+{
+    if (!m_listNumbersPending || layoutStatus() != kLayoutComplete)
+        return;
+    m_listNumbersPending = false;
+    emit const_cast<QTextDocumentLayout*>(this)->update();
 }
 
 QRectF QTextDocumentLayout::frameBoundingRect(QTextFrame* frame) const
@@ -356,7 +369,38 @@ void QTextDocumentLayout::draw(QPainter* painter, const PaintContext& context)
 
     for (const Background& background : backgrounds)
         drawBackground(background.format, painter, background.rect, background.brush);
+    CListNumberPainter numbers(*this, messageTablesIn(area));
+    numbers.hide();
     ::QTextDocumentLayout::draw(painter, context);
+    numbers.restore();
+    numbers.paint(painter, context);
+}
+
+// Only a finished layout places every table without laying out more, and finds the first one in the area by
+// bisection. While it is still lazy the toolkit draws the numbers its own way; the area is painted again once
+// the layout has finished.
+QList<QTextTable*> QTextDocumentLayout::messageTablesIn(const QRectF& area)
+{
+    QList<QTextTable*> tables;
+    if (layoutStatus() != kLayoutComplete) {
+        m_listNumbersPending = true;
+        return tables;
+    }
+    const QList<QTextFrame*> children = document()->rootFrame()->childFrames();
+    const auto first =
+        std::partition_point(children.cbegin(), children.cend(), [this, &area](QTextFrame* child) {
+            auto* table = qobject_cast<QTextTable*>(child);
+            return (table ? tableBoundingRect(table) : frameBoundingRect(child)).bottom() < area.top();
+        });
+    for (auto it = first; it != children.cend(); ++it) {
+        auto* table = qobject_cast<QTextTable*>(*it);
+        if (!table)
+            continue;
+        if (tableBoundingRect(table).top() > area.bottom())
+            break;
+        tables.append(table);
+    }
+    return tables;
 }
 
 void QTextDocumentLayout::drawBackground(const QTextFormat& format, QPainter* painter, const QRectF& rect,

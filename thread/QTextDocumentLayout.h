@@ -60,6 +60,9 @@ private:
     struct Background;
 
     void catchUpLayout() const;
+    void repaintListNumbersOnceDone() const;
+    // The message tables that reach into `area`; none while the layout is lazy.
+    QList<QTextTable*> messageTablesIn(const QRectF& area);
     void captureBackgrounds(QPainter* painter, const PaintContext& context, const QRectF& visible,
                             std::vector<Background>& out);
 
@@ -81,6 +84,8 @@ private:
     QRectF m_paintArea;
     mutable bool m_layoutPending = false;
     bool m_inPlace = false;
+    // A paint left the list numbers to the toolkit because the layout was not finished.
+    mutable bool m_listNumbersPending = false;
     mutable QBasicTimer m_catchUpTimer;
 };
 

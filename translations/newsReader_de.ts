@@ -348,5 +348,13 @@
         <source>Hide</source>
         <translation>Ausblenden</translation>
     </message>
+    <message>
+        <source>Not sent</source>
+        <translation>Nicht gesendet</translation>
+    </message>
+    <message>
+        <source>Send again</source>
+        <translation>Erneut senden</translation>
+    </message>
 </context>
 </TS>

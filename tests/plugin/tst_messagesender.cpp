@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QJsonArray>
 #include <QListView>
 #include <QTemporaryDir>
 #include <QTextBlock>
@@ -182,6 +183,14 @@ private slots:
         HostControl::clearEvents();
         HostControl::failNextRequest(QStringLiteral("/communications"), status,
                                      QStringLiteral("Internal trouble"));
+        QTemporaryDir dir;
+        const QString log = dir.filePath(QStringLiteral("scan.log"));
+        QFile file(log);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("scan log");
+        file.close();
+        qobject_cast<CAttachmentsModel*>(screen.control<QListView>("attachmentsList")->model())
+            ->addFiles({log});
         screen.type(QStringLiteral("Will this arrive?"));
         screen.plugin->onSendMessageClicked();
         QTRY_COMPARE(lastDeliveryMark(screen.document()), CMessageItemsDocument::DeliveryFailedImage);
@@ -200,6 +209,36 @@ private slots:
         QCOMPARE(lastDeliveryMark(screen.document()), CMessageItemsDocument::DeliveryFailedImage);
         screen.type(QStringLiteral("Again"));
         QVERIFY(screen.canSend());
+
+        // The bubble says so and offers to send it again; its link is reached and followed by keyboard.
+        QVERIFY(screen.threadText().contains(QStringLiteral("Not sent")));
+        QTextBrowser* thread = screen.thread();
+        thread->setFocus();
+        thread->moveCursor(QTextCursor::End);
+        QTest::keyClick(thread, Qt::Key_Backtab, Qt::ShiftModifier);
+        QCOMPARE(thread->textCursor().selectedText(), QStringLiteral("Send again"));
+        const int bubbles = screen.messageCount();
+        QTest::keyClick(thread, Qt::Key_Return);
+        QCOMPARE(lastDeliveryMark(screen.document()), CMessageItemsDocument::NotDeliveredImage);
+        QVERIFY(!screen.threadText().contains(QStringLiteral("Not sent")));
+        // The same bubble is delivered, with its text and file, once; what was typed since stays.
+        QTRY_COMPARE(lastDeliveryMark(screen.document()), CMessageItemsDocument::DeliveredImage);
+        QCOMPARE(screen.messageCount(), bubbles);
+        QCOMPARE(screen.threadText().count(QStringLiteral("Will this arrive?")), 1);
+        QCOMPARE(screen.editor()->toPlainText(), QStringLiteral("Again"));
+        int copies = 0;
+        for (const QJsonObject& message : HostControl::threadMessages(kPrinter)) {
+            if (!message.value(QStringLiteral("text"))
+                     .toString()
+                     .contains(QStringLiteral("Will this arrive?")))
+                continue;
+            ++copies;
+            const QJsonArray files = message.value(QStringLiteral("attachments")).toArray();
+            QCOMPARE(files.size(), 1);
+            QCOMPARE(files.first().toObject().value(QStringLiteral("fileName")).toString(),
+                     QStringLiteral("scan.log"));
+        }
+        QCOMPARE(copies, 1);
     }
 };
 

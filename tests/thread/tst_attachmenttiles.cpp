@@ -110,21 +110,31 @@ private slots:
         QCOMPARE(doc.makeProgressImage(120, "c.pdf", false), QStringLiteral("pdf"));
     }
 
+    void ringArcFollowsThePercentage_data()
+    {
+        QTest::addColumn<qreal>("ratio");
+        QTest::newRow("100 %") << 1.0;
+        QTest::newRow("200 %") << 2.0;
+    }
     void ringArcFollowsThePercentage()
     {
+        QFETCH(qreal, ratio);
         CMessageItemsDocument doc;
+        doc.setDevicePixelRatio(ratio);
         const QImage zero =
             doc.resource(QTextDocument::ImageResource, QUrl(doc.makeProgressImage(0, "f.zzz", false)))
                 .value<QImage>();
         const QImage half =
             doc.resource(QTextDocument::ImageResource, QUrl(doc.makeProgressImage(50, "f.zzz", false)))
                 .value<QImage>();
-        QCOMPARE(half.size(), QSize(32, 32));
+        // As many pixels as the screen shows, in the place of a 32-unit icon.
+        QCOMPARE(half.size(), QSize(32, 32) * ratio);
+        QCOMPARE(half.deviceIndependentSize(), QSizeF(32, 32));
         const QColor accent = CVantrelApp::GetColor(clrAccent);
         // Clockwise from the top: the right half is drawn, the left half is not.
-        QCOMPARE(half.pixelColor(30, 16).rgb(), accent.rgb());
-        QCOMPARE(half.pixelColor(2, 16).alpha(), 0);
-        QCOMPARE(zero.pixelColor(30, 16).alpha(), 0);
+        QCOMPARE(half.pixelColor(QPoint(30, 16) * ratio).rgb(), accent.rgb());
+        QCOMPARE(half.pixelColor(QPoint(2, 16) * ratio).alpha(), 0);
+        QCOMPARE(zero.pixelColor(QPoint(30, 16) * ratio).alpha(), 0);
     }
 
     void uploadProgressFindsNothingInTheAvatarColumn()
@@ -140,9 +150,15 @@ private slots:
     {
         CMessageItemsDocument doc;
         const CMessageItemIndex index = doc.appendMessage(message({attachment("a#1", "pic.png")}));
+        // Made for a screen at 200 %: it keeps its size in the thread.
         QPixmap thumbnail(60, 40);
+        thumbnail.setDevicePixelRatio(2.0);
         thumbnail.fill(Qt::green);
         doc.setContentsThumbnail(index, "a#1", thumbnail);
+        QCOMPARE(doc.resource(QTextDocument::ImageResource, QUrl("a#1-thumbnail"))
+                     .value<QImage>()
+                     .deviceIndependentSize(),
+                 QSizeF(30, 20));
         QVERIFY(!doc.findAttachmentTable(index, "a#1"));
         QVERIFY(!doc.findAttachmentLinkBlock("a#1").isValid());
         const QString href = newsReader::attachLink(attachment("a#1", "pic.png"));

@@ -7,6 +7,7 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QPainter>
+#include <QSignalSpy>
 #include <QTextTable>
 
 class TestLazyThreadLayout : public QObject
@@ -154,7 +155,13 @@ private slots:
         const QImage first = paintViewport(doc);
         QVERIFY(layoutOf(doc)->layoutStatus() < kComplete);
 
+        // Once finished, the layout asks for the whole area again (its own list numbers replace the
+        // toolkit's).
+        QSignalSpy repaint(doc.documentLayout(), &QAbstractTextDocumentLayout::update);
         doc.documentLayout()->documentSize(); // finishes the layout
+        QVERIFY(std::any_of(repaint.cbegin(), repaint.cend(), [](const QList<QVariant>& arguments) {
+            return arguments.first().toRectF().contains(QRectF(0, 0, kWidth, 1e6));
+        }));
         QCOMPARE(layoutOf(doc)->layoutStatus(), kComplete);
         const QImage later = paintViewport(doc);
         QCOMPARE(first, later);

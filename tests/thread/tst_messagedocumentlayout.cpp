@@ -6,6 +6,8 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QPainter>
+#include <QTextBlock>
+#include <QTextList>
 #include <QTextTable>
 
 class TestMessageDocumentLayout : public QObject
@@ -125,6 +127,79 @@ private slots:
         QCOMPARE(index.frame->format().background().color(), CVantrelApp::GetColor(clrFailureTint));
         QCOMPARE(index.frame->cellAt(0, 1).format().background().color(),
                  CVantrelApp::GetColor(clrBubbleOwn));
+    }
+
+    void markdownTablesHaveSingleBordersAndPaddedCells()
+    {
+        CIncidentCommunication m = message(true);
+        m.text = "| A | B |\n|---|---|\n| 1 | 2 |";
+        CMessageItemsDocument doc;
+        const CMessageItemIndex index = doc.appendMessage(m);
+        const QImage image = render(doc);
+        QTextTable* table = nullptr;
+        for (QTextFrame* child : index.frame->childFrames())
+            table = table ? table : qobject_cast<QTextTable*>(child);
+        QVERIFY(table);
+        auto* layout = static_cast<newsReader::QTextDocumentLayout*>(doc.documentLayout());
+        const QRectF first = layout->tableCellBoundingRect(table, table->cellAt(0, 0));
+        const QRectF last = layout->tableCellBoundingRect(table, table->cellAt(0, 1));
+        // Just inside the top of the first row: a line where cells meet and at both ends, nothing else.
+        const int y = int(first.top()) + 2;
+        int lines = 0;
+        bool onLine = false;
+        for (int x = int(first.left()) - 4; x <= int(last.right()) + 4; ++x) {
+            const bool dark = qGray(image.pixel(x, y)) < 200;
+            lines += dark && !onLine;
+            onLine = dark;
+        }
+        QCOMPARE(lines, 3);
+        // The text keeps its distance from the lines.
+        int inkLeft = -1;
+        for (int x = int(first.left()) + 2; x < int(first.right()) && inkLeft < 0; ++x) {
+            for (int row = int(first.top()) + 2; row < int(first.bottom()) - 2; ++row) {
+                if (qGray(image.pixel(x, row)) < 128) {
+                    inkLeft = x;
+                    break;
+                }
+            }
+        }
+        QVERIFY2(inkLeft >= first.left() + 4, qPrintable(QString::number(inkLeft - first.left())));
+    }
+
+    void orderedListNumbersSitOnTheBaseline_data()
+    {
+        QTest::addColumn<QString>("body");
+        QTest::newRow("plain item") << "1. Word\n2. Next";
+        QTest::newRow("item that starts large")
+            << "<ol><li><span style=\"font-size:28pt\">Big</span> word</li></ol>";
+    }
+    void orderedListNumbersSitOnTheBaseline()
+    {
+        QFETCH(QString, body);
+        CIncidentCommunication m = message(true);
+        m.text = body;
+        CMessageItemsDocument doc;
+        doc.appendMessage(m);
+        const QImage image = render(doc);
+        QTextBlock item = doc.begin();
+        while (item.isValid() && !item.textList())
+            item = item.next();
+        QVERIFY(item.isValid());
+        const QRectF block = doc.documentLayout()->blockBoundingRect(item);
+        const QTextLine line = item.layout()->lineAt(0);
+        const int baseline = qRound(block.top() + line.y() + line.ascent());
+        // The number's ink, left of the item's text and within its first line, ends on the text's baseline.
+        const QRectF text = line.naturalTextRect().translated(block.topLeft());
+        int inkBottom = -1;
+        for (int y = int(block.top() + line.y()); y < int(block.top() + line.y() + line.height()); ++y) {
+            for (int x = int(text.left()) - 40; x < int(text.left()) - 1; ++x) {
+                if (qGray(image.pixel(x, y)) < 128)
+                    inkBottom = y;
+            }
+        }
+        QVERIFY(inkBottom >= 0);
+        QVERIFY2(qAbs(inkBottom + 1 - baseline) <= 1,
+                 qPrintable(QStringLiteral("ink ends at %1, baseline %2").arg(inkBottom + 1).arg(baseline)));
     }
 
     void plainCellBackgroundStaysSquare()

@@ -38,18 +38,21 @@ private slots:
         QTest::addColumn<QList<int>>("statuses");
         QTest::addColumn<QString>("image");
         QTest::addColumn<bool>("tinted");
-        QTest::newRow("as built") << QList<int>{} << "delivered" << false;
-        QTest::newRow("pending") << QList<int>{0} << "not-delivered" << false;
-        QTest::newRow("twice the same") << QList<int>{0, 0} << "not-delivered" << false;
-        QTest::newRow("failed") << QList<int>{2} << "delivery-failed" << true;
-        QTest::newRow("delivered after failing") << QList<int>{2, 1} << "delivered" << true;
-        QTest::newRow("out of range") << QList<int>{7} << "" << false;
+        QTest::addColumn<QString>("note"); // the footer's line above the time
+        QTest::newRow("as built") << QList<int>{} << "delivered" << false << "";
+        QTest::newRow("pending") << QList<int>{0} << "not-delivered" << false << "";
+        QTest::newRow("twice the same") << QList<int>{0, 0} << "not-delivered" << false << "";
+        QTest::newRow("failed") << QList<int>{2} << "delivery-failed" << true << "Not sent";
+        QTest::newRow("failed twice") << QList<int>{2, 2} << "delivery-failed" << true << "Not sent";
+        QTest::newRow("delivered after failing") << QList<int>{2, 1} << "delivered" << true << "";
+        QTest::newRow("out of range") << QList<int>{7} << "" << false << "";
     }
     void swapsTheSingleStatusImage()
     {
         QFETCH(QList<int>, statuses);
         QFETCH(QString, image);
         QFETCH(bool, tinted);
+        QFETCH(QString, note);
         CMessageItemsDocument doc;
         const CMessageItemIndex index = doc.appendMessage(message("m", false));
         for (int status : statuses)
@@ -61,6 +64,9 @@ private slots:
         for (auto it = footer.begin(); !it.atEnd(); ++it)
             status = it.fragment().charFormat().toImageFormat(); // the footer's last fragment
         QVERIFY(footer.text().endsWith(QChar::ObjectReplacementCharacter));
+        const QStringList lines = footer.text().split(QChar::LineSeparator);
+        QCOMPARE(lines.size(), note.isEmpty() ? 1 : 2);
+        QCOMPARE(lines.size() == 2 ? lines.first() : QString(), note);
         QCOMPARE(status.name(), image);
         QCOMPARE(status.width(), 16.0);
         QCOMPARE(status.verticalAlignment(), QTextCharFormat::AlignBaseline);

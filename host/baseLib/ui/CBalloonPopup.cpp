@@ -3,6 +3,8 @@
 #include "CVantrelApp.h"
 #include "QtHelpersImages.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -25,6 +27,14 @@ constexpr int kScreenMargin = 4;    // the balloon never touches the screen edge
 constexpr int kShadowAlphaStep = 4; // alpha added per shadow ring: sums to a soft edge
 constexpr qreal kShadowDropY = 1.5; // the light comes slightly from above
 
+// Screen readers learn of a balloon as an alert, which they read out as soon as it is announced.
+QAccessibleInterface* balloonAccessible(const QString& className, QObject* object)
+{
+    if (className != QLatin1String("CBalloonPopup") || !object || !object->isWidgetType())
+        return nullptr;
+    return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::AlertMessage);
+}
+
 QColor hostColor(CColorIndexes index, const QColor& fallback)
 {
     const QColor color = CVantrelApp::GetColor(index);
@@ -42,6 +52,8 @@ CBalloonPopup::CBalloonPopup(QWidget* target, const QString& text, QMessageBox::
     , m_closeButton(new QToolButton(this))
 {
     setObjectName(QStringLiteral("balloonPopup"));
+    QAccessible::installFactory(balloonAccessible);
+    setAccessibleName(text);
     setAttribute(Qt::WA_TranslucentBackground);
     setAttribute(Qt::WA_ShowWithoutActivating);
 
@@ -201,4 +213,7 @@ void CBalloonPopup::showEvent(QShowEvent* event)
 {
     reposition();
     CAbstractPopupAssistant::showEvent(event);
+    // Drawn is not enough: a reader who cannot see the balloon hears it.
+    QAccessibleEvent alert(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&alert);
 }

@@ -1,18 +1,42 @@
 #include "BalloonMessage.h"
 #include "HostTestMain.h"
 
+#include <QAccessible>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QLineEdit>
+#include <QScopeGuard>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <QtGui/private/qguiapplication_p.h>
+#include <qpa/qplatformaccessibility.h>
+#include <qpa/qplatformintegration.h>
 
 namespace {
 // Long enough that a balloon meant to stay would have expired by then.
 constexpr int kStayCheckMs = 150;
+
+// The objects of the alerts told to assistive technology.
+QList<QPointer<QObject>> s_alerts;
+
+void recordAlert(QAccessibleEvent* event)
+{
+    if (event->type() == QAccessible::Alert)
+        s_alerts.append(event->object());
+}
+
+// The toolkit passes events on only while a screen reader listens; the test is one.
+void listenAsScreenReader(bool listen)
+{
+    QPlatformAccessibility* accessibility = QGuiApplicationPrivate::platformIntegration()->accessibility();
+    QVERIFY(accessibility);
+    accessibility->setActive(listen);
+    QAccessible::installUpdateHandler(listen ? recordAlert : nullptr);
+    s_alerts.clear();
+}
 } // namespace
 
 class TestBalloonMessage : public QObject
@@ -73,10 +97,18 @@ private slots:
     {
         QFETCH(bool, show);
         HostControl::setShowBalloons(show);
+        listenAsScreenReader(true);
+        auto stopListening = qScopeGuard([] { listenAsScreenReader(false); });
         QPointer<CAbstractPopupAssistant> balloon =
             issueBalloonMessage(m_edit, "Text", QMessageBox::Warning, QRect(), 5000);
         QVERIFY(balloon);
         QCOMPARE(balloon->isVisible(), show);
+        // A shown balloon is announced once, as an alert that reads its text; a hidden one is not.
+        QCOMPARE(s_alerts.count(balloon.data()), show ? 1 : 0);
+        QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(balloon);
+        QVERIFY(accessible);
+        QCOMPARE(accessible->role(), QAccessible::AlertMessage);
+        QCOMPARE(accessible->text(QAccessible::Name), QStringLiteral("Text"));
         QCOMPARE(balloon->text(), QStringLiteral("Text"));
         QCOMPARE(balloon->icon(), QMessageBox::Warning);
         QCOMPARE(balloon->target(), m_edit);
