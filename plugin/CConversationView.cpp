@@ -1,13 +1,12 @@
 #include "CConversationView.h"
 
-#include "CThreadPlaceholder.h"
-
 #include "CAttachmentsModel.h"
 #include "CCommunicationObjectModel.h"
 #include "CComposer.h"
 #include "CControlLookup.h"
 #include "CMessageItemsDocument.h"
 #include "CNewsFetcher.h"
+#include "CThreadPlaceholder.h"
 #include "CVantrelApp.h"
 #include "ChatServiceApi.h"
 #include "DraftMessageItem.h"
@@ -16,6 +15,7 @@
 #include "TypingViewModel.h"
 #include "WatcherAliases.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QLabel>
 #include <QProgressBar>
 #include <QScrollBar>
@@ -79,6 +79,8 @@ void CConversationView::attach(const Controls& controls, CComposer* composer)
     if (m_thread) {
         m_thread->setAccessibleName(QObject::tr("Conversation"));
         m_placeholder = new CThreadPlaceholder(m_thread);
+        connect(m_thread->verticalScrollBar(), &QScrollBar::valueChanged, this,
+                &CConversationView::onScrolled);
         // Messages arrive by load, by live update and by the user's own sending.
         connect(&m_document, &QTextDocument::contentsChanged, this, &CConversationView::updatePlaceholder);
     }
@@ -155,6 +157,7 @@ void CConversationView::reset()
     m_fetch.clear();
     m_reloadQueued = false;
     m_incoming.clear();
+    m_older.clear();
     m_threadId.clear();
     m_conversation = QPersistentModelIndex();
     m_document.clear();
@@ -263,15 +266,79 @@ void CConversationView::onMessagesLoaded(const EntityDto::EntityDto& ticket,
     // A thread that starts empty is filled without a width, as a document no view shows yet: it is laid out
     // once, lazily, when the view asks for it (the page holding the view may still be hidden, with a width
     // that changes as soon as it shows).
-    const bool fresh = m_document.rootFrame()->childFrames().isEmpty();
+    const bool fresh = m_document.isEmpty();
+    const qsizetype firstShown = firstShownOf(records);
+    QList<CIncidentCommunication> older;
+    older.reserve(firstShown);
+    for (qsizetype i = 0; i < firstShown; ++i)
+        older.append(records.at(i).record);
+    m_older.assign(std::move(older));
     const qreal width = m_document.textWidth();
     if (fresh)
         m_document.setTextWidth(-1);
-    applyMessages(records);
+    applyMessages(records.mid(firstShown));
     if (fresh)
         m_document.setTextWidth(width);
-    qtHelpers::invokeOnIdle(this, [this] { scrollToEnd(); });
+    qtHelpers::invokeOnIdle(this, [this] {
+        scrollToEnd();
+        // A view that the newest messages do not fill has nothing to scroll: it gets older ones at once.
+        if (m_thread && m_thread->verticalScrollBar()->maximum() == 0)
+            onScrolled(0);
+    });
     emit threadLoaded(m_threadId);
+}
+
+qsizetype CConversationView::firstShownOf(const QList<Incoming>& records) const
+{
+    if (m_document.isEmpty())
+        return std::max<qsizetype>(0, records.size() - kShownAtOpen);
+    if (m_older.isEmpty())
+        return 0;
+    // A reload while older messages still wait: they keep waiting, up to the first message shown.
+    for (qsizetype i = 0; i < records.size(); ++i) {
+        const CIncidentCommunication& record = records.at(i).record;
+        if (m_document.messageIndex(record.id).isValid() || m_document.findOlderVersion(record).isValid())
+            return i;
+    }
+    return 0;
+}
+
+void CConversationView::onScrolled(int value)
+{
+    if (m_older.isEmpty() || m_olderQueued || !m_thread || value > m_thread->viewport()->height())
+        return;
+    m_olderQueued = true;
+    qtHelpers::invokeOnIdle(this, [this] { showOlder(); });
+}
+
+void CConversationView::showOlder()
+{
+    m_olderQueued = false;
+    if (m_older.isEmpty() || !m_thread)
+        return;
+    QScrollBar* scrollBar = m_thread->verticalScrollBar();
+    QAbstractTextDocumentLayout* layout = m_document.documentLayout();
+    QTextFrame* anchor = m_document.firstMessageFrame();
+    const qreal offset = anchor ? layout->frameBoundingRect(anchor).top() - scrollBar->value() : 0.0;
+
+    const QList<CIncidentCommunication> portion = m_older.takeNewest(kOlderPortion);
+    QList<CMessageItemIndex> shown;
+    shown.reserve(portion.size());
+    QTextCursor batch(&m_document);
+    batch.beginEditBlock();
+    for (auto it = portion.crbegin(); it != portion.crend(); ++it)
+        shown.append(m_document.prependMessage(*it));
+    batch.endEditBlock();
+
+    // The message that was first stays where the reader saw it.
+    if (anchor)
+        scrollBar->setValue(qRound(layout->frameBoundingRect(anchor).top() - offset));
+    for (const CMessageItemIndex& index : std::as_const(shown)) {
+        if (index.isValid())
+            emit messageShown(index);
+    }
+    updatePlaceholder();
+    onScrolled(scrollBar->value());
 }
 
 void CConversationView::onFetchFinished()
@@ -327,6 +394,9 @@ void CConversationView::applyMessages(const QList<Incoming>& records)
     for (const Incoming& incoming : records) {
         const CIncidentCommunication& record = incoming.record;
         CMessageItemIndex existing = m_document.messageIndex(record.id);
+        // A change to a message that waits above the shown part waits with it.
+        if (!existing.isValid() && !incoming.fetched && m_older.absorb(record))
+            continue;
         if (incoming.deletion) {
             if (existing.isValid())
                 shown.append(m_document.replaceMessage(existing, record));

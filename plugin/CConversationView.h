@@ -7,6 +7,7 @@
 
 #include "CIncidentCommunication.h"
 #include "CMessageItemIndex.h"
+#include "COlderMessages.h"
 #include "EntityDto.h"
 
 #include <QList>
@@ -53,6 +54,10 @@ public:
 
     // The composer state (model role) of a conversation that takes no more messages.
     static constexpr int kClosedComposerState = 2;
+    // A long thread opens with this many of its newest messages; older ones follow in portions of this size
+    // as the reader scrolls up.
+    static constexpr qsizetype kShownAtOpen = 150;
+    static constexpr qsizetype kOlderPortion = 150;
     // Read by the host style: a progress bar with this property set stands still.
     static constexpr const char* kStopAnimationProperty = "stopProgressBarAnimation";
 
@@ -120,6 +125,12 @@ private:
     // Puts records into the document in one edit: new ones at the end, new versions in place of old ones.
     void applyMessages(const QList<Incoming>& records);
     void flushIncoming();
+    // Where a loaded thread starts in the document: the messages before that place wait in m_older.
+    qsizetype firstShownOf(const QList<Incoming>& records) const;
+    // Near the top of a long thread, the next portion of older messages goes in above, the view staying
+    // where it was.
+    void onScrolled(int value);
+    void showOlder();
     bool eventFilter(QObject* watched, QEvent* event) override;
     void elideTitle();
     bool isCurrentThread(const QString& threadId) const;
@@ -150,4 +161,6 @@ private:
     bool m_reloadQueued = false;
     // Live updates wait here until the event loop is idle, so that a burst is laid out once.
     QList<Incoming> m_incoming;
+    COlderMessages m_older;
+    bool m_olderQueued = false;
 };

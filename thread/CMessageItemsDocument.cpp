@@ -238,6 +238,25 @@ CMessageItemIndex CMessageItemsDocument::appendMessage(const CIncidentCommunicat
     return insertMessage(message, rootFrame()->lastCursorPosition(), true);
 }
 
+CMessageItemIndex CMessageItemsDocument::prependMessage(const CIncidentCommunication& message)
+{
+    QTextFrame* first = firstMessageFrame();
+    if (!first)
+        return appendMessage(message);
+    // Into the empty block before the first table. A cursor made from the block asks nothing of the
+    // layout, which may be in the middle of an edit.
+    return insertMessage(message, QTextCursor(QTextDocument::findBlock(first->firstPosition() - 1)), true);
+}
+
+QTextFrame* CMessageItemsDocument::firstMessageFrame() const
+{
+    for (auto it = rootFrame()->begin(); !it.atEnd(); ++it) {
+        if (QTextFrame* frame = it.currentFrame())
+            return frame;
+    }
+    return nullptr;
+}
+
 CMessageItemIndex CMessageItemsDocument::insertMessage(const CIncidentCommunication& message,
                                                        const QTextCursor& at, bool registerIt)
 {

@@ -40,6 +40,11 @@ public:
     void clear() override;
 
     CMessageItemIndex appendMessage(const CIncidentCommunication& message);
+    // Puts a message above the first one shown: older messages of a long thread arrive as the reader
+    // scrolls up.
+    CMessageItemIndex prependMessage(const CIncidentCommunication& message);
+    // The outer table of the first message shown, or null.
+    QTextFrame* firstMessageFrame() const;
     CMessageItemIndex insertMessage(const CIncidentCommunication& message, const QTextCursor& at,
                                     bool registerIt);
     CMessageItemIndex replaceMessage(const CMessageItemIndex& old, const CIncidentCommunication& message);
