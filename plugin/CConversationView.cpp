@@ -276,9 +276,14 @@ void CConversationView::onMessagesLoaded(const EntityDto::EntityDto& ticket,
     const qreal width = m_document.textWidth();
     if (fresh)
         m_document.setTextWidth(-1);
-    applyMessages(records.mid(firstShown));
+    const qsizetype applied = applyMessages(records.mid(firstShown));
     if (fresh)
         m_document.setTextWidth(width);
+    // A reload that changed nothing shown leaves the reader where they are.
+    if (!fresh && applied == 0) {
+        emit threadLoaded(m_threadId);
+        return;
+    }
     qtHelpers::invokeOnIdle(this, [this] {
         scrollToEnd();
         // A view that the newest messages do not fill has nothing to scroll: it gets older ones at once.
@@ -385,7 +390,7 @@ bool CConversationView::showsSame(const CIncidentCommunication& shown, const CIn
                       record.attachments.cend(), sameAttachment);
 }
 
-void CConversationView::applyMessages(const QList<Incoming>& records)
+qsizetype CConversationView::applyMessages(const QList<Incoming>& records)
 {
     // One edit block around the whole batch: the document is laid out once, not once per message.
     QTextCursor batch(&m_document);
@@ -415,6 +420,7 @@ void CConversationView::applyMessages(const QList<Incoming>& records)
         if (index.isValid())
             emit messageShown(index);
     }
+    return shown.size();
 }
 
 void CConversationView::onCommunicationReceived(const CIncidentCommunication& communication)
@@ -444,8 +450,8 @@ void CConversationView::flushIncoming()
     const QList<Incoming> incoming = std::exchange(m_incoming, {});
     const bool received = std::any_of(incoming.cbegin(), incoming.cend(),
                                       [](const Incoming& update) { return !update.deletion; });
-    applyMessages(incoming);
-    if (received)
+    // Changes that only reached messages waiting above the shown part leave the reader where they are.
+    if (applyMessages(incoming) > 0 && received)
         scrollToEnd();
 }
 

@@ -123,7 +123,8 @@ private:
     void setBusy(bool busy);
     void updatePlaceholder();
     // Puts records into the document in one edit: new ones at the end, new versions in place of old ones.
-    void applyMessages(const QList<Incoming>& records);
+    // Returns how many of them changed the document (the others wait above the shown part).
+    qsizetype applyMessages(const QList<Incoming>& records);
     void flushIncoming();
     // Where a loaded thread starts in the document: the messages before that place wait in m_older.
     qsizetype firstShownOf(const QList<Incoming>& records) const;
