@@ -80,18 +80,6 @@ private slots:
         QCOMPARE(resourceOf("shape").toByteArray(), kTintable);
     }
 
-    void svgWithoutCurrentColorRendersUnchanged()
-    {
-        QCOMPARE(draw(tinted("fixed", Qt::red)).pixelColor(5, 5), QColor("#00ff00"));
-    }
-
-    void untintedSvgDataIsDecodedAsAnImage()
-    {
-        QTextImageFormat format;
-        format.setName("fixed");
-        QCOMPARE(m_handler->intrinsicSize(&m_doc, 0, format), QSizeF(10, 10));
-    }
-
     void unusableImagesShowTheGenericFileIcon_data()
     {
         QTest::addColumn<QTextImageFormat>("format");
