@@ -95,7 +95,6 @@ void TestHostApplication::writesScreenshotOfTheWindow_data()
     QTest::addColumn<QSize>("expectedSize");
     QTest::newRow("requested size") << QStringList{QStringLiteral("--size"), QStringLiteral("1024x700")}
                                     << QSize(1024, 700);
-    QTest::newRow("default size") << QStringList() << QSize(1280, 800);
 }
 
 void TestHostApplication::writesScreenshotOfTheWindow()
