@@ -168,6 +168,8 @@ private slots:
         const QString paragraph = QStringLiteral("Some **bold** words in a paragraph.\n\n");
         QTest::newRow("long markdown") << paragraph.repeated(3000) << true << true;
         QTest::newRow("one long word") << QString(300000, QLatin1Char('w')) << true << false;
+        QTest::newRow("exactly the longest body shown whole")
+            << QString(CMessageBody::MaxCharacters, QLatin1Char('w')) << false << false;
         QTest::newRow("nested tables")
             << QStringLiteral("<table><tr><td>").repeated(20) + QStringLiteral("deep") +
                    QStringLiteral("</td></tr></table>").repeated(20)

@@ -126,11 +126,11 @@ private slots:
         QTest::addColumn<bool>("inComposer");
         QTest::addColumn<QString>("source");
         QTest::addColumn<QSize>("shown");
-        const QString hugeSvg =
-            QStringLiteral("data:image/svg+xml;base64,") +
-            QString::fromLatin1(QByteArray("<svg xmlns='http://www.w3.org/2000/svg' width='100000' "
-                                           "height='100000'><rect width='10' height='10'/></svg>")
-                                    .toBase64());
+        const auto svg = [](const QByteArray& width) -> QString {
+            const QByteArray source = "<svg xmlns='http://www.w3.org/2000/svg' width='" + width +
+                                      "' height='100000'><rect width='10' height='10'/></svg>";
+            return "data:image/svg+xml;base64," + QString::fromLatin1(source.toBase64());
+        };
         const QList<std::tuple<const char*, QString, QSize>> sources = {
             {"device", QStringLiteral("/dev/zero"), kFileIcon},
             {"process memory", QStringLiteral("/proc/self/mem"), kFileIcon},
@@ -142,8 +142,9 @@ private slots:
             {"embedded picture",
              QStringLiteral("data:image/png;base64,") + QString::fromLatin1(pictureBytes().toBase64()),
              kPicture},
-            {"embedded picture of a huge size", hugeSvg,
+            {"embedded picture of a huge size", svg("100000"),
              QSize(CResourceGuard::MaxImageSide, CResourceGuard::MaxImageSide)},
+            {"embedded picture far too high", svg("100"), QSize(4, CResourceGuard::MaxImageSide)},
         };
         for (bool inComposer : {false, true}) {
             for (const auto& [name, source, shown] : sources) {
