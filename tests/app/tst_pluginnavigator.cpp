@@ -26,7 +26,6 @@ private slots:
     void reportsSelectionAndOneActivationPerClick();
     void opensPersistentEditorsOnEditableItems();
     void showsEmptyListWidgetWhileTheListIsEmpty();
-    void pulsesStrongerForUrgentAttention_data();
     void pulsesStrongerForUrgentAttention();
 
 private:
@@ -155,19 +154,12 @@ void TestPluginNavigator::showsEmptyListWidgetWhileTheListIsEmpty()
     QCOMPARE(m_plugin->emptyWidgetsReleased, 2);
 }
 
-void TestPluginNavigator::pulsesStrongerForUrgentAttention_data()
-{
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<qreal>("minimumPeak");
-    QTest::addColumn<qreal>("maximumPeak");
-    QTest::newRow("urgent (-1)") << -1 << 0.7 << 1.0;
-}
-
 void TestPluginNavigator::pulsesStrongerForUrgentAttention()
 {
-    QFETCH(int, mode);
-    QFETCH(qreal, minimumPeak);
-    QFETCH(qreal, maximumPeak);
+    // Urgent news (mode -1) pulse the header at least to 0.7.
+    const int mode = -1;
+    const qreal minimumPeak = 0.7;
+    const qreal maximumPeak = 1.0;
     m_navigator = new PluginNavigator(m_plugin);
     PluginHeader* header = m_navigator->header();
 

@@ -8,7 +8,6 @@
 #include "QtHelpersImages.h"
 
 #include <QAbstractItemModelTester>
-#include <QSignalSpy>
 
 using listTest::conversation;
 using listTest::newsEntry;

@@ -5,8 +5,6 @@
 #include "DraftMessageItem.h"
 #include "ListTestSupport.h"
 
-#include <QSignalSpy>
-
 namespace {
 
 const QString kConversation = QStringLiteral("c-draft");

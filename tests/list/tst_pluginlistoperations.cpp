@@ -7,7 +7,6 @@
 #include "CReadNewsEntryRequest.h"
 #include "ListTestSupport.h"
 
-#include <QLabel>
 #include <QToolButton>
 #include <QTreeView>
 

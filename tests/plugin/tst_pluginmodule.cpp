@@ -6,7 +6,6 @@
 
 #include <QDir>
 #include <QJsonObject>
-#include <QMetaMethod>
 #include <QPluginLoader>
 
 class TestPluginModule : public QObject

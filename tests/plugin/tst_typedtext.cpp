@@ -5,7 +5,6 @@
 #include "ConversationScreen.h"
 
 #include <QProcess>
-#include <QTextBlock>
 #include <QTextDocumentFragment>
 
 namespace {

@@ -7,7 +7,6 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QPainter>
-#include <QTextTable>
 
 class TestLazyThreadLayout : public QObject
 {

@@ -5,7 +5,6 @@
 #include "QTextDocumentLayout.h"
 #include "TextImageHandler.h"
 
-#include <QFile>
 #include <QPainter>
 #include <QTextDocument>
 

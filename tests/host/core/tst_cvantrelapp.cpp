@@ -10,7 +10,6 @@
 
 #include <QSignalSpy>
 #include <QStyle>
-#include <QWidget>
 
 namespace {
 

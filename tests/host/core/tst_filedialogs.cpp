@@ -5,8 +5,6 @@
 #include "HostRuntime.h"
 #include "HostTestMain.h"
 
-#include <QTemporaryDir>
-
 class TestFileDialogs : public QObject
 {
     Q_OBJECT

@@ -5,7 +5,6 @@
 #include "HostTestMain.h"
 
 #include <QDir>
-#include <QFile>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 

@@ -5,9 +5,6 @@
 #include "HostTestMain.h"
 #include "Mapper.h"
 
-#include <QImage>
-#include <QPainter>
-
 class TestHostPainting : public QObject
 {
     Q_OBJECT

@@ -3,7 +3,6 @@
 #include "HostTestMain.h"
 #include "SimulatedServer.h"
 
-#include <QJsonArray>
 #include <QSignalSpy>
 #include <QTest>
 

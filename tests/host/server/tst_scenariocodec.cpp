@@ -4,10 +4,8 @@
 #include "ScenarioCodec.h"
 #include "SimulatedServer.h"
 
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QRegularExpression>
-#include <QSet>
 #include <QTemporaryDir>
 #include <QTest>
 

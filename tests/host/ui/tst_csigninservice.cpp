@@ -3,7 +3,6 @@
 #include "HostTestMain.h"
 
 #include <QSignalSpy>
-#include <QTest>
 
 class TestCSignInService : public QObject
 {

@@ -3,7 +3,6 @@
 
 #include <QPointer>
 #include <QTest>
-#include <QTimer>
 
 class TestQtHelpersInvoke : public QObject
 {
