@@ -15,18 +15,13 @@ report=${FAULTS_REPORT:-$dir/faults-report.txt}
 suite_timeout=${FAULTS_TIMEOUT:-600}
 tool="$root/scripts/faults.py"
 
-check_only=0
+"$root/scripts/install-deps.sh"
 if [[ "${1:-}" == "--check" ]]; then
-  check_only=1
   shift
-fi
-
-if [[ $check_only == 1 ]]; then
   python3 "$tool" check "$root" "$list" "$@"
   exit $?
 fi
 
-"$root/scripts/install-deps.sh"
 mkdir -p "$dir"
 backup="$dir/fault-backup"
 target_file="$dir/fault-backup.path"
