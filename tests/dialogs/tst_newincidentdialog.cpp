@@ -84,6 +84,7 @@ private slots:
         if (!signedIn) {
             QCOMPARE(open.page(), int(CNewIncidentDialog::SignInPage));
             QCOMPARE(open.dialog.okButton()->text(), "Sign in");
+            QCOMPARE(open.dialog.cancelButton()->text(), "&Cancel");
             // OK submits the sign-in form; the subject and message are not looked at yet.
             open.control<QLineEdit>("signInEmail")->setText("alex.morgan@example.com");
             open.control<QLineEdit>("signInPassword")->setText("secret");
