@@ -188,6 +188,9 @@ void TestHostApplication::answersHelpAndVersionWithoutADisplay()
     const Run unknown = runHost({QStringLiteral("--colour"), QStringLiteral("red")}, QString());
     QCOMPARE(unknown.exitCode, 2);
     QVERIFY2(unknown.errors.contains(QStringLiteral("--help")), qPrintable(unknown.errors));
+    // A size without height and a stray argument are refused like an unknown option.
+    for (const QStringList& arguments : {QStringList{"--size", "900x0"}, QStringList{"stray"}})
+        QCOMPARE(runHost(arguments, QString()).exitCode, kExitBadInput);
 }
 
 HOST_TEST_MAIN(TestHostApplication)
