@@ -101,6 +101,7 @@ private slots:
         QTest::newRow("now") << "now" << qint64(0);
         QTest::newRow("minus two days") << "-2d" << qint64(-2 * 86400);
         QTest::newRow("minus ninety minutes") << "-90m" << qint64(-90 * 60);
+        QTest::newRow("plus three hours") << "+3h" << qint64(3 * 3600);
     }
 
     void relativeTimes()
