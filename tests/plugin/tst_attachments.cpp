@@ -122,7 +122,7 @@ private slots:
         ConversationScreen screen;
         QVERIFY(screen.open(kPrinter));
         QTextBrowser* thread = screen.thread();
-        QTRY_VERIFY(hasImage(screen.document(), "att-exceptions-photo-thumbnail"));
+        QTRY_VERIFY_WITH_TIMEOUT(hasImage(screen.document(), "att-exceptions-photo-thumbnail"), 20000);
         QTRY_VERIFY(!screen.document()->toHtml().contains("abort://"));
         thread->setFocus();
         thread->moveCursor(QTextCursor::Start);
@@ -171,8 +171,9 @@ private slots:
         ConversationScreen screen;
         QVERIFY(screen.open(kPrinter));
         const CMessageItemsDocument* document = screen.document();
-        QTRY_VERIFY(hasImage(document, "att-block-screenshot-thumbnail"));
-        QTRY_VERIFY(hasImage(document, "att-guide-thumbnail"));
+        // Thumbnails are made off the event loop; a sanitized build takes its time.
+        QTRY_VERIFY_WITH_TIMEOUT(hasImage(document, "att-block-screenshot-thumbnail"), 20000);
+        QTRY_VERIFY_WITH_TIMEOUT(hasImage(document, "att-guide-thumbnail"), 20000);
         QVERIFY(!hasImage(document, "att-diagtool-thumbnail"));
         QCOMPARE(downloadsOf("att-diagtool"), 0);
         // The pictures grew the thread above the newest message, which is still in view.
