@@ -8,7 +8,7 @@ packages=(
   qt6-base-dev qt6-base-private-dev qt6-svg-dev qt6-tools-dev qt6-tools-dev-tools
   qt6-l10n-tools qt6-webengine-dev qt6-webengine-dev-tools qt6-pdf-dev
   qt6-image-formats-plugins qt6-translations-l10n libgl-dev xvfb xauth
-  fonts-dejavu-core cmark-gfm
+  fonts-dejavu-core cmark-gfm gcovr python3
 )
 
 missing=()

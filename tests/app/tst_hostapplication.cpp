@@ -95,7 +95,6 @@ void TestHostApplication::writesScreenshotOfTheWindow_data()
     QTest::addColumn<QSize>("expectedSize");
     QTest::newRow("requested size") << QStringList{QStringLiteral("--size"), QStringLiteral("1024x700")}
                                     << QSize(1024, 700);
-    QTest::newRow("default size") << QStringList() << QSize(1280, 800);
 }
 
 void TestHostApplication::writesScreenshotOfTheWindow()
@@ -189,6 +188,9 @@ void TestHostApplication::answersHelpAndVersionWithoutADisplay()
     const Run unknown = runHost({QStringLiteral("--colour"), QStringLiteral("red")}, QString());
     QCOMPARE(unknown.exitCode, 2);
     QVERIFY2(unknown.errors.contains(QStringLiteral("--help")), qPrintable(unknown.errors));
+    // A size without height and a stray argument are refused like an unknown option.
+    for (const QStringList& arguments : {QStringList{"--size", "900x0"}, QStringList{"stray"}})
+        QCOMPARE(runHost(arguments, QString()).exitCode, kExitBadInput);
 }
 
 HOST_TEST_MAIN(TestHostApplication)

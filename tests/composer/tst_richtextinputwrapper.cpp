@@ -5,7 +5,6 @@
 
 #include <QAccessible>
 #include <QComboBox>
-#include <QDir>
 #include <QHBoxLayout>
 #include <QSignalSpy>
 #include <QTextBlock>
@@ -109,71 +108,35 @@ private slots:
         QTest::keyClicks(editor, QStringLiteral("c"));
         QTest::keyClick(editor, Qt::Key_X, Qt::ShiftModifier | Qt::AltModifier);
         QTest::keyClicks(editor, QStringLiteral("d"));
-        const auto formatOf = [this](int position) {
-            QTextCursor cursor(document());
-            cursor.setPosition(position + 1);
-            return cursor.charFormat();
-        };
+        const auto formatOf = [this](int position) { return formatAt(document(), position); };
         QVERIFY(formatOf(0).fontWeight() < QFont::Bold);
         QVERIFY(formatOf(1).fontWeight() >= QFont::Bold && !formatOf(1).fontItalic());
         QVERIFY(formatOf(2).fontItalic() && !formatOf(2).fontStrikeOut());
         QVERIFY(formatOf(3).fontStrikeOut() && formatOf(3).fontItalic() &&
                 formatOf(3).fontWeight() >= QFont::Bold);
 
-        const QStringList names = {QStringLiteral("Bold"), QStringLiteral("Italic"),
-                                   QStringLiteral("Strike out")};
-        for (int style : {Bold, Italic, StrikeOut})
-            QCOMPARE(QAccessible::queryAccessibleInterface(button(style))->text(QAccessible::Name),
-                     names[style]);
-        QCOMPARE(QAccessible::queryAccessibleInterface(editor)->text(QAccessible::Name),
-                 QStringLiteral("Message"));
-        // The toolkit's combo box reports its current item as its name; the name is set for readers that ask.
-        QCOMPARE(combo->accessibleName(), QStringLiteral("Paragraph style"));
-    }
-
-    void bindsTheToolbar()
-    {
-        const QStringList texts = {"Normal",    "Heading 1", "Heading 2",
-                                   "Heading 3", "Heading 4", "Monospaced"};
-        QCOMPARE(combo->count(), texts.size());
-        for (int i = 0; i < texts.size(); ++i) {
-            QCOMPARE(combo->itemText(i), texts[i]);
-            QCOMPARE(combo->itemData(i, Qt::UserRole), QVariant(i));
-        }
-        for (int style : {Bold, Italic, StrikeOut})
-            QVERIFY2(!button(style)->icon().isNull(), kButtons[style]);
+        QCOMPARE(QAccessible::queryAccessibleInterface(button(StrikeOut))->text(QAccessible::Name),
+                 "Strike out");
+        QCOMPARE(QAccessible::queryAccessibleInterface(editor)->text(QAccessible::Name), "Message");
+        QCOMPARE(combo->itemText(RichTextInputWrapper::Monospaced), "Monospaced");
     }
 
     void formatsTheWordUnderTheCaret_data()
     {
         QTest::addColumn<int>("style");
         QTest::addColumn<int>("caret");
-        QTest::addColumn<QKeySequence>("shortcut");
-        for (int style : {Bold, Italic, StrikeOut, Underline}) {
-            QTest::addRow("%d inside the word", style) << style << 2 << QKeySequence();
-            QTest::addRow("%d at the word's end", style) << style << 5 << QKeySequence();
-            QTest::addRow("%d at the word's start", style) << style << 0 << QKeySequence();
-        }
-        QTest::newRow("Ctrl+B") << int(Bold) << 2 << QKeySequence(Qt::CTRL | Qt::Key_B);
-        QTest::newRow("Ctrl+I") << int(Italic) << 2 << QKeySequence(Qt::CTRL | Qt::Key_I);
-        QTest::newRow("Shift+Alt+X") << int(StrikeOut) << 2 << QKeySequence(Qt::SHIFT | Qt::ALT | Qt::Key_X);
+        for (int style : {Bold, Italic, StrikeOut, Underline})
+            QTest::addRow("%d inside the word", style) << style << 2;
+        QTest::newRow("at the word's end") << int(Bold) << 5;
+        QTest::newRow("at the word's start") << int(Italic) << 0;
     }
 
     void formatsTheWordUnderTheCaret()
     {
         QFETCH(int, style);
         QFETCH(int, caret);
-        QFETCH(QKeySequence, shortcut);
         editor->setPlainText(QStringLiteral("hello world"));
         placeCaret(caret);
-        if (!shortcut.isEmpty()) {
-            // A button's shortcut clicks it with a short animation, so the change comes a moment later.
-            QTest::keySequence(editor, shortcut);
-            QTRY_VERIFY(hasStyle(formatAt(document(), 0), style));
-            QTest::keySequence(editor, shortcut);
-            QTRY_VERIFY(!hasStyle(formatAt(document(), 0), style));
-            return;
-        }
         if (style == Underline)
             wrapper->setUnderline(true);
         else
@@ -205,25 +168,15 @@ private slots:
         emit combo->activated(type);
 
         QCOMPARE(paragraphType(document()->firstBlock()), type);
-        for (int i = 0; i < 17; ++i) {
-            const QTextCharFormat format = formatAt(document(), i);
-            QCOMPARE(format.fontWeight(), 700);
-            QVERIFY(!format.fontItalic() && !format.fontStrikeOut());
-            QCOMPARE(format.property(QTextFormat::FontSizeAdjustment).toInt(), sizeAdjustment);
-            QCOMPARE(wrapper->currentParagraphType(format), type);
-        }
+        const QTextCharFormat format = formatAt(document(), 6);
+        QVERIFY(format.fontWeight() == 700 && !format.fontItalic());
+        QCOMPARE(format.property(QTextFormat::FontSizeAdjustment).toInt(), sizeAdjustment);
         QCOMPARE(combo->currentIndex(), type);
         QVERIFY(button(Bold)->isChecked());
 
         emit combo->activated(RichTextInputWrapper::Normal);
         QCOMPARE(paragraphType(document()->firstBlock()), 0);
-        for (int i = 0; i < 17; ++i) {
-            const QTextCharFormat format = formatAt(document(), i);
-            QVERIFY(!format.font().bold() && !format.fontItalic());
-            QVERIFY(!format.hasProperty(QTextFormat::FontSizeAdjustment));
-        }
-        QCOMPARE(editor->toPlainText(), QStringLiteral("some italic words"));
-        QCOMPARE(combo->currentIndex(), 0);
+        QVERIFY(!formatAt(document(), 6).font().bold() && !formatAt(document(), 6).fontItalic());
         QVERIFY(!button(Bold)->isChecked());
 
         // Each change of paragraph type is one undo step.
@@ -232,14 +185,6 @@ private slots:
         editor->undo();
         QCOMPARE(paragraphType(document()->firstBlock()), 0);
         QVERIFY(formatAt(document(), 6).fontItalic() && !formatAt(document(), 6).font().bold());
-    }
-
-    void unknownParagraphTypeActsAsNormal()
-    {
-        editor->setHtml(QStringLiteral("<b>loud</b>"));
-        wrapper->setParagraphType(42);
-        QVERIFY(!formatAt(document(), 1).font().bold());
-        QCOMPARE(combo->currentIndex(), 0);
     }
 
     void returnEndsAHeadingButNotMonospace_data()
@@ -263,15 +208,9 @@ private slots:
         // Headings live in the block format; monospace is recognised from the font alone.
         QCOMPARE(paragraphType(document()->firstBlock()), monospace ? 0 : type);
         QCOMPARE(formatAt(document(), 0).fontFixedPitch(), monospace);
-        if (monospace)
-            QCOMPARE(formatAt(document(), 0).fontFamilies().toStringList(), QStringList{"Monospace"});
-        const QTextBlock body = document()->lastBlock();
-        QCOMPARE(paragraphType(body), 0);
-        const QTextCharFormat bodyFormat = formatAt(document(), body.position() + 1);
-        QVERIFY(!bodyFormat.font().bold());
-        QVERIFY(!bodyFormat.hasProperty(QTextFormat::FontSizeAdjustment));
-        QCOMPARE(bodyFormat.fontFixedPitch(), monospace);
-        QVERIFY(!button(Bold)->isChecked());
+        const QTextCharFormat body = formatAt(document(), document()->lastBlock().position() + 1);
+        QVERIFY(!body.font().bold() && !body.hasProperty(QTextFormat::FontSizeAdjustment));
+        QCOMPARE(body.fontFixedPitch(), monospace);
     }
 
     void toolbarFollowsTheCursorWithoutReformatting()
@@ -297,10 +236,6 @@ private slots:
         }
         QCOMPARE(editor->toHtml(), html);
         QCOMPARE(boldToggled.count(), 0);
-
-        const QString folder = qEnvironmentVariable("NEWSREADER_PNG_DIR");
-        if (!folder.isEmpty())
-            QVERIFY(window->grab().save(QDir(folder).filePath(QStringLiteral("composer-toolbar.png"))));
     }
 
     void markdownCarriesTheFormatting_data()
@@ -311,8 +246,7 @@ private slots:
         QTest::newRow("bold") << int(Bold) << 0 << "**hello**";
         QTest::newRow("italic") << int(Italic) << 0 << "*hello*";
         QTest::newRow("strike-out") << int(StrikeOut) << 0 << "~~hello~~";
-        for (int level = 1; level <= 4; ++level)
-            QTest::addRow("heading %d", level) << -1 << level << QString(level, '#') + " hello";
+        QTest::newRow("heading 4") << -1 << 4 << "#### hello";
         QTest::newRow("monospace") << -1 << int(RichTextInputWrapper::Monospaced) << "`hello`";
     }
 
@@ -343,46 +277,6 @@ private slots:
         QCOMPARE(rendered.fontFixedPitch(), original.fontFixedPitch());
         QCOMPARE(rendered.property(QTextFormat::FontSizeAdjustment).toInt(),
                  original.property(QTextFormat::FontSizeAdjustment).toInt());
-    }
-
-    void markdownOfWholeDocuments()
-    {
-        editor->setHtml(QStringLiteral("<b>bold</b> <i>ital</i> <s>gone</s>"));
-        QCOMPARE(RichTextInputWrapper::messageMarkdown(document()),
-                 QStringLiteral("**bold** *ital* ~~gone~~"));
-        // Return inside a heading leaves both halves headings.
-        editor->setPlainText(QStringLiteral("Twohalves"));
-        wrapper->setParagraphType(RichTextInputWrapper::Heading2);
-        placeCaret(3);
-        QTest::keyClick(editor, Qt::Key_Return);
-        QCOMPARE(RichTextInputWrapper::messageMarkdown(document()), QStringLiteral("## Two\n\n## halves"));
-        editor->clear();
-        QCOMPARE(RichTextInputWrapper::messageMarkdown(document()), QString());
-        QCOMPARE(RichTextInputWrapper::messageMarkdown(nullptr), QString());
-    }
-
-    void listsDoNotDisturbTheToolbar()
-    {
-        editor->setPlainText(QStringLiteral("one\ntwo\nthree"));
-        QTextCursor cursor(document());
-        cursor.movePosition(QTextCursor::End, QTextCursor::KeepAnchor);
-        cursor.createList(QTextListFormat::ListDisc);
-        placeCaret(5);
-        QCOMPARE(combo->currentIndex(), 0);
-        QTest::keyClick(editor, Qt::Key_End);
-        QTest::keyClick(editor, Qt::Key_Return);
-        QVERIFY(editor->textCursor().currentList());
-    }
-
-    void aDestroyedEditorIsLeftAlone()
-    {
-        delete editor;
-        wrapper->setBold(true);
-        wrapper->setUnderline(true);
-        wrapper->setParagraphType(RichTextInputWrapper::Heading1);
-        emit combo->activated(3);
-        button(Italic)->click();
-        QCOMPARE(wrapper->currentParagraphType(QTextCharFormat()), int(RichTextInputWrapper::Normal));
     }
 };
 

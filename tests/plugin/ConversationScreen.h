@@ -4,7 +4,9 @@
 
 #include "CCommunicationObjectModel.h"
 #include "CMessageItemsDocument.h"
+#include "CNewsFetcher.h"
 #include "CNewsReaderPlugin.h"
+#include "CVantrelApp.h"
 #include "HostControl.h"
 
 #include <QLabel>
@@ -16,6 +18,20 @@
 #include <QToolButton>
 
 #include <memory>
+
+// The host reset to the sample scenario with its conversations listed and nothing recorded yet.
+inline bool loadSampleServer()
+{
+    HostControl::resetForTests();
+    HostControl::setCanUseWebEngine(false);
+    HostControl::setShowBalloons(false);
+    HostControl::loadDefaultScenario();
+    const bool listed =
+        QTest::qWaitFor([] { return vantrelApp->getNewsFetcher()->hasAny(CNewsFetcher::FilterIssues); });
+    HostControl::clearRequestLog();
+    HostControl::clearEvents();
+    return listed;
+}
 
 struct ConversationScreen
 {

@@ -1,12 +1,9 @@
 // What the plugin object answers the host and asks of it, on a plugin constructed inside the stand-in host.
 #include "HostTestMain.h"
 
-#include "CIncidentAttachment.h"
-#include "CIncidentCommunication.h"
 #include "CNewsFetcher.h"
 #include "CNewsReaderPlugin.h"
 #include "CReadNewsEntryRequest.h"
-#include "EntityDto.h"
 #include "QtHelpersImages.h"
 
 #include "CNewIncidentDialog.h"
@@ -16,7 +13,6 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QSignalSpy>
 #include <QTimer>
 
 namespace {
@@ -24,14 +20,6 @@ namespace {
 bool sameIcon(const QIcon& a, const QIcon& b)
 {
     return a.pixmap(32).toImage() == b.pixmap(32).toImage();
-}
-
-QList<int> animationModes()
-{
-    QList<int> modes;
-    for (const HostControl::Event& event : HostControl::events(QStringLiteral("animationBegin")))
-        modes << event.details.value(QStringLiteral("mode")).toInt();
-    return modes;
 }
 
 } // namespace
@@ -61,7 +49,6 @@ private slots:
         QTest::addColumn<bool>("zendesk");
         QTest::addColumn<int>("expected");
         QTest::newRow("news shown") << true << false << true << int(PluginVisible);
-        QTest::newRow("nothing shown") << false << false << false << int(PluginHidden);
         QTest::newRow("conversations on Zendesk") << false << true << true << int(PluginHidden);
         QTest::newRow("conversations only") << false << true << false << int(PluginVisible);
     }
@@ -83,41 +70,12 @@ private slots:
         QCOMPARE(int(plugin.getPluginVisibility()), int(PluginVisible));
     }
 
-    void fixedAnswersHoldInEveryState()
+    void tooltipNamesTheLastUrgentEntryElseTheLastUnreadOne()
     {
-        CNewsReaderPlugin plugin;
-        for (bool selected : {false, true}) {
-            plugin.setIsSelected(selected);
-            QCOMPARE(plugin.keepItemSelected(), false);
-            QCOMPARE(plugin.hasPluginView(), true);
-            QCOMPARE(plugin.hasCustomToolbar(), false);
-        }
-        QCOMPARE(plugin.getCaption(), QStringLiteral("Communications"));
-        QCOMPARE(plugin.getPluginName(), QStringLiteral("Communications"));
-        QCOMPARE(plugin.getPluginId(), QStringLiteral("newsReader"));
-        QCOMPARE(plugin.getTranslationName(), QStringLiteral("newsReader"));
-        QCOMPARE(plugin.releaseEmptyListWidget(), nullptr);
-        QVERIFY(
-            sameIcon(plugin.getPluginIcon(), qtHelpers::images::icon(QStringLiteral("ico-plugin-no-news"))));
-
-        QCOMPARE(plugin.isMessengerModeDisabled(), false);
-        HostControl::setAllowed(QStringLiteral("allowMessengerMode"), false);
-        QCOMPARE(plugin.isMessengerModeDisabled(), true);
-    }
-
-    void tooltipFallsBackToTheBaseWithoutNews()
-    {
-        CNewsReaderPlugin plugin;
-        QCOMPARE(plugin.getTooltip(), plugin.CAbstractKolPlugin::getTooltip());
-
         HostControl::setNewsFetcherAvailable(false);
         CNewsReaderPlugin withoutFetcher;
         QCOMPARE(withoutFetcher.getTooltip(), withoutFetcher.CAbstractKolPlugin::getTooltip());
         HostControl::setNewsFetcherAvailable(true);
-    }
-
-    void tooltipNamesTheLastUrgentEntryElseTheLastUnreadOne()
-    {
         const auto news = [](const char* id, const char* kind, const char* title, const char* published,
                              bool read) {
             return QJsonObject{
@@ -137,18 +95,37 @@ private slots:
                              qtHelpers::images::icon(QStringLiteral("ico-plugin-urgent-news"))));
     }
 
-    void selectingThePageStopsTheAttentionAnimation()
+    void leavingThePageAnimatesItForUnreadNews_data()
     {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QVariant>("showNews");
+        QTest::addColumn<QList<int>>("modes");
+        QTest::newRow("nothing unread") << QString() << QVariant() << QList<int>{};
+        QTest::newRow("urgent news, news switched off") << "important" << QVariant(false) << QList<int>{-1};
+        QTest::newRow("an offer") << "offer" << QVariant() << QList<int>{2};
+        QTest::newRow("an offer, news switched off") << "offer" << QVariant(false) << QList<int>{};
+    }
+
+    void leavingThePageAnimatesItForUnreadNews()
+    {
+        QFETCH(QString, kind);
+        QFETCH(QVariant, showNews);
+        QFETCH(QList<int>, modes);
+        if (showNews.isValid())
+            HostControl::setSetting("UIShowNews", showNews);
+        if (!kind.isEmpty())
+            HostControl::addNewsEntry({{"id", "n1"}, {"kind", kind}, {"title", "News"}, {"read", false}});
+        const auto news = CNewsFetcher::FilterImportant | CNewsFetcher::FilterOffers;
+        QTRY_COMPARE(vantrelApp->getNewsFetcher()->getNewsList(news).size(), size_t(kind.isEmpty() ? 0 : 1));
         CNewsReaderPlugin plugin;
         HostControl::recordPluginRequests(&plugin);
         plugin.setIsSelected(true);
-        QCOMPARE(HostControl::events(QStringLiteral("animationStop")).size(), 1);
-        QVERIFY(plugin.isSelected());
-
-        // Without any news, leaving the page starts no animation.
+        QCOMPARE(HostControl::events("animationStop").size(), 1);
         plugin.setIsSelected(false);
-        QVERIFY(animationModes().isEmpty());
-        QVERIFY(!plugin.isSelected());
+        QList<int> begun;
+        for (const HostControl::Event& event : HostControl::events("animationBegin"))
+            begun << event.details.value("mode").toInt();
+        QCOMPARE(begun, modes);
     }
 
     void readNewsEntryRequestReloadsConversationsAndSelectsThePage()
@@ -205,34 +182,6 @@ private slots:
                         ->match(model->index(0, 0), Qt::DisplayRole, QStringLiteral("Printer offline"), 1,
                                 Qt::MatchStartsWith | Qt::MatchRecursive)
                         .size() == 1);
-    }
-
-    void recordTypesAreKnownUnderTheirNames_data()
-    {
-        QTest::addColumn<QByteArray>("name");
-        QTest::addColumn<QMetaType>("type");
-        QTest::newRow("entity") << QByteArray("EntityDto::EntityDto")
-                                << QMetaType::fromType<EntityDto::EntityDto>();
-        QTest::newRow("entities") << QByteArray("QList<EntityDto::EntityDto>")
-                                  << QMetaType::fromType<QList<EntityDto::EntityDto>>();
-        QTest::newRow("message") << QByteArray("CIncidentCommunication")
-                                 << QMetaType::fromType<CIncidentCommunication>();
-        QTest::newRow("attachment") << QByteArray("CIncidentAttachment")
-                                    << QMetaType::fromType<CIncidentAttachment>();
-        QTest::newRow("entry pointer") << QByteArray("std::shared_ptr<Messenger::MessageEntry>")
-                                       << QMetaType::fromType<Messenger::MessageEntryPtr>();
-        QTest::newRow("entry alias") << QByteArray("Messenger::MessageEntryPtr")
-                                     << QMetaType::fromType<Messenger::MessageEntryPtr>();
-        QTest::newRow("integers") << QByteArray("QList<int>") << QMetaType::fromType<QList<int>>();
-        QTest::newRow("reals") << QByteArray("QList<double>") << QMetaType::fromType<QList<double>>();
-    }
-
-    void recordTypesAreKnownUnderTheirNames()
-    {
-        QFETCH(QByteArray, name);
-        QFETCH(QMetaType, type);
-        CNewsReaderPlugin plugin;
-        QCOMPARE(QMetaType::fromName(name), type);
     }
 };
 

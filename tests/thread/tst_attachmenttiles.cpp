@@ -69,20 +69,9 @@ private slots:
         QTextTable* first = doc.findAttachmentTable(index, "a1");
         QTextTable* second = doc.findAttachmentTable(index, "a2");
         QVERIFY(first && second);
-        QCOMPARE(first->format().topMargin(), 7.0);
         QCOMPARE(second->format().topMargin(), 0.0);
-        QCOMPARE(first->format().bottomMargin(), 7.0);
         QVERIFY(!doc.findAttachmentTable(index, "nope"));
         QVERIFY(!doc.findAttachmentTable(CMessageItemIndex{}, "a1"));
-    }
-
-    void firstTileKeepsItsMarginWithoutAuthor()
-    {
-        CMessageItemsDocument doc;
-        CIncidentCommunication m = message({attachment("a1", "x.zip")});
-        m.senderName.clear();
-        const CMessageItemIndex index = doc.appendMessage(m);
-        QCOMPARE(doc.findAttachmentTable(index, "a1")->format().topMargin(), 7.0);
     }
 
     void progressRingsAreNamedAndShared()
@@ -137,15 +126,6 @@ private slots:
         QCOMPARE(zero.pixelColor(QPoint(30, 16) * ratio).alpha(), 0);
     }
 
-    void uploadProgressFindsNothingInTheAvatarColumn()
-    {
-        CMessageItemsDocument doc;
-        const CMessageItemIndex index = doc.appendMessage(message({attachment("a1", "a.pdf")}, false));
-        const QString before = doc.toHtml();
-        doc.setAttachUploadProgress(index, "a1", 30);
-        QCOMPARE(doc.toHtml(), before);
-    }
-
     void thumbnailReplacesTheTileOnce()
     {
         CMessageItemsDocument doc;
@@ -167,57 +147,11 @@ private slots:
         QCOMPARE(image.begin().fragment().charFormat().toImageFormat().name(),
                  QStringLiteral("a#1-thumbnail"));
         QCOMPARE(image.next().text(), GetFormattedSize(2048, 0));
-        QCOMPARE(image.next().blockFormat().bottomMargin(), 7.0);
         QVERIFY(image.next().next().text().contains("see attached"));
 
         const QString after = doc.toHtml();
         doc.setContentsThumbnail(index, "a#1", thumbnail);
         QCOMPARE(doc.toHtml(), after);
-    }
-
-    // Ids the URL parser reads as one ("x y" and "x%20y", "%41" and "A") each keep their own tile, progress
-    // ring and picture, and each picture carries the link of its own attachment.
-    void idsTheUrlParserConfusesKeepTheirOwnTiles()
-    {
-        const QStringList ids = {"x y", "x%20y", "%41", "A", "http://X", "http://x", "user@host", "host"};
-        QList<CIncidentAttachment> attachments;
-        for (const QString& id : ids)
-            attachments << attachment(id, "pic.png");
-        CMessageItemsDocument doc;
-        const CMessageItemIndex index = doc.appendMessage(message(attachments));
-        for (const QString& id : ids) {
-            QVERIFY2(doc.attachmentRect(id).isValid(), qPrintable(id));
-            doc.setAttachProgress(id, 40);
-            QCOMPARE(doc.findBlockWithAnchor(newsReader::abortLink(attachment(id, "pic.png"))),
-                     doc.findAttachmentIconBlock(id));
-            doc.setAttachProgress(id, 100);
-        }
-        for (int i = 0; i < ids.size(); ++i) {
-            QPixmap thumbnail(8, 8);
-            thumbnail.fill(QColor::fromHsv(i * 40, 255, 255));
-            doc.setContentsThumbnail(index, ids.at(i), thumbnail);
-        }
-        for (int i = 0; i < ids.size(); ++i) {
-            const QTextBlock image = doc.findBlockWithAnchor(newsReader::attachLink(attachments.at(i)));
-            QVERIFY2(image.isValid(), qPrintable(ids.at(i)));
-            QCOMPARE(doc.attachmentRect(ids.at(i)), doc.documentLayout()->blockBoundingRect(image));
-            const QString name = image.begin().fragment().charFormat().toImageFormat().name();
-            const QImage picture = doc.resource(QTextDocument::ImageResource, QUrl(name)).value<QImage>();
-            QCOMPARE(picture.pixel(0, 0), QColor::fromHsv(i * 40, 255, 255).rgb());
-        }
-    }
-
-    void fileNamesWithEverySpecialCharacterBuild()
-    {
-        CMessageItemsDocument doc;
-        const QString name = QString::fromUtf8("<>:\"/\\|?*#%; \t\u00e4\u4e2d\U0001F600.tar.gz");
-        const CMessageItemIndex index = doc.appendMessage(message({attachment("s1", name)}));
-        QVERIFY(index.isValid());
-        QCOMPARE(doc.findAttachmentLinkBlock("s1").text(), name);
-        QString id, parsed;
-        QVERIFY(newsReader::parseAttachLink(
-            doc.findAttachmentLinkBlock("s1").begin().fragment().charFormat().anchorHref(), id, parsed));
-        QCOMPARE(parsed, name);
     }
 };
 

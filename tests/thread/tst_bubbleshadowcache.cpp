@@ -1,4 +1,4 @@
-// The bubble shadows: a small tile per shape, drawn in nine pieces, looks like the whole bubble blurred.
+// The bubble shadows: a small tile drawn in nine pieces looks like the whole bubble blurred.
 #include "HostTestMain.h"
 
 #include "CBubbleShadowCache.h"
@@ -64,28 +64,6 @@ private slots:
         QVERIFY2(largestDifference(whole, pieced) <= 2,
                  qPrintable(QString::number(largestDifference(whole, pieced))));
         QVERIFY(cache.bytes() <= 128 * 1024);
-    }
-
-    void oneSmallTilePerShapeWhateverTheSize()
-    {
-        CBubbleShadowCache cache(kReach);
-        for (int height = 200; height <= 200000; height *= 10)
-            cache.tile(QSizeF(400, height), {12, 12, 0, 12}, kPage, 1.0, rounded);
-        QCOMPARE(cache.misses(), 1);
-        const qsizetype oneTile = cache.bytes();
-        QVERIFY(oneTile < 64 * 1024);
-
-        cache.tile(QSizeF(400, 300), {12, 12, 12, 0}, kPage, 1.0, rounded);
-        cache.tile(QSizeF(400, 300), {12, 12, 0, 12}, Qt::white, 1.0, rounded);
-        cache.tile(QSizeF(400, 300), {12, 12, 0, 12}, kPage, 2.0, rounded);
-        cache.tile(QSizeF(400, 300), {12, 12, 0, 12}, kPage, 1.0, rounded);
-        QCOMPARE(cache.misses(), 4);
-
-        CBubbleShadowCache small(kReach, int(2 * oneTile));
-        for (int width = 10; width < 60; width += 10)
-            small.tile(QSizeF(width, 30), {}, kPage, 1.0, rounded);
-        QVERIFY(small.bytes() <= 2 * oneTile);
-        QCOMPARE(small.misses(), 5);
     }
 };
 

@@ -8,7 +8,6 @@
 #include <QAbstractTextDocumentLayout>
 #include <QPainter>
 #include <QSignalSpy>
-#include <QTextTable>
 
 class TestLazyThreadLayout : public QObject
 {
@@ -130,21 +129,6 @@ private slots:
         sized.setTextWidth(kWidth);
         fill(sized, 3);
         QVERIFY(!layoutOf(sized)->layoutPending());
-    }
-
-    void geometryAfterDeferredLayoutMatchesGeometryOfADocumentLaidOutAsItGrew()
-    {
-        CMessageItemsDocument deferred;
-        fill(deferred, 12);
-        deferred.setTextWidth(kWidth);
-        CMessageItemsDocument eager;
-        eager.setTextWidth(kWidth);
-        fill(eager, 12);
-        QCOMPARE(deferred.documentLayout()->documentSize(), eager.documentLayout()->documentSize());
-        for (int i = 0; i < 12; ++i) {
-            const QString id = QStringLiteral("m%1").arg(i);
-            QCOMPARE(deferred.frameRect(deferred.messageIndex(id)), eager.frameRect(eager.messageIndex(id)));
-        }
     }
 
     void firstPaintOfALongThreadLeavesTheRestUnlaidAndPaintsAsAfterTheLayoutFinished()

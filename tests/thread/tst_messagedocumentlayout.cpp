@@ -42,15 +42,6 @@ class TestMessageDocumentLayout : public QObject
     }
 
 private slots:
-    void presentsItselfAsTheToolkitsLayout()
-    {
-        CMessageItemsDocument doc;
-        const QMetaObject* meta = doc.documentLayout()->metaObject();
-        QCOMPARE(meta->className(), "QTextDocumentLayout");
-        for (const char* property : {"cursorWidth", "idealWidth", "contentHasAlignment"})
-            QVERIFY2(meta->indexOfProperty(property) >= 0, property);
-    }
-
     void roundsEveryCornerButTheOneNextToTheSender_data()
     {
         QTest::addColumn<bool>("other");
@@ -93,20 +84,6 @@ private slots:
         QCOMPARE(image.pixelColor(midX, int(bubble.bottom()) + 7), page);
         QCOMPARE(image.pixelColor(midX, int(bubble.top()) - 3), page);
         QCOMPARE(image.pixelColor(int(bubble.left()) - 4, midY), page);
-    }
-
-    void cachedShadowGivesIdenticalPixels()
-    {
-        CMessageItemsDocument doc;
-        doc.appendMessage(message(true));
-        doc.appendMessage(message(false));
-        auto* layout = static_cast<newsReader::QTextDocumentLayout*>(doc.documentLayout());
-        const QImage cold = render(doc);
-        const int computed = layout->shadowCache().misses();
-        QCOMPARE(computed, 2);
-        const QImage warm = render(doc);
-        QCOMPARE(layout->shadowCache().misses(), computed);
-        QCOMPARE(warm, cold);
     }
 
     void failureTintLiesBeneathTheRoundedBubble()
@@ -200,25 +177,6 @@ private slots:
         QVERIFY(inkBottom >= 0);
         QVERIFY2(qAbs(inkBottom + 1 - baseline) <= 1,
                  qPrintable(QStringLiteral("ink ends at %1, baseline %2").arg(inkBottom + 1).arg(baseline)));
-    }
-
-    void plainCellBackgroundStaysSquare()
-    {
-        QTextDocument doc;
-        doc.setDocumentLayout(new newsReader::QTextDocumentLayout(&doc));
-        QTextCursor cursor(&doc);
-        QTextTableFormat format;
-        format.setCellPadding(10);
-        QTextTable* table = cursor.insertTable(1, 1, format);
-        QTextTableCellFormat cell;
-        cell.setBackground(Qt::red);
-        table->cellAt(0, 0).setFormat(cell);
-        table->cellAt(0, 0).firstCursorPosition().insertText("cell");
-        const QImage image = render(doc);
-        auto* layout = static_cast<newsReader::QTextDocumentLayout*>(doc.documentLayout());
-        const QRect rect = layout->tableCellBoundingRect(table, table->cellAt(0, 0)).toRect();
-        QCOMPARE(image.pixelColor(rect.topLeft() + QPoint(1, 1)), QColor(Qt::red));
-        QCOMPARE(image.pixelColor(rect.bottomRight() - QPoint(1, 1)), QColor(Qt::red));
     }
 };
 

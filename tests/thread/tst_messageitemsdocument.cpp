@@ -1,4 +1,4 @@
-// The thread document's structure, register, replacement semantics, searches and bad input.
+// The thread document's structure, register, replacement semantics and bad input.
 #include "HostTestMain.h"
 
 #include "CBlockIdentification.h"
@@ -7,8 +7,6 @@
 #include "MessageFormatProperties.h"
 #include "WatcherAliases.h"
 
-#include <QRandomGenerator>
-#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTextBlock>
 #include <QTextTable>
@@ -59,36 +57,16 @@ private slots:
         const CMessageItemIndex index = doc.appendMessage(message("m1", true));
         QVERIFY(index.isValid());
         QVERIFY(changed.count() >= 1);
-        const QTextTableFormat tf = index.frame->format();
-        QCOMPARE(tf.alignment() & Qt::AlignHorizontal_Mask, Qt::AlignLeft);
-        QCOMPARE(tf.leftMargin(), 0.0);
-        QCOMPARE(tf.rightMargin(), 100.0);
-        QCOMPARE(tf.bottomMargin(), 16.0);
-        QCOMPARE(index.frame->rows(), 1);
-        QCOMPARE(index.frame->columns(), 2);
-
-        const QTextTableCell avatar = index.frame->cellAt(0, 0);
-        QCOMPARE(avatar.format().toTableCellFormat().rightPadding(), 10.0);
-        QCOMPARE(avatar.format().verticalAlignment(), QTextCharFormat::AlignBottom);
-        const QTextCharFormat image = avatar.firstCursorPosition().block().begin().fragment().charFormat();
-        QVERIFY(image.isImageFormat());
+        QCOMPARE(index.frame->format().alignment() & Qt::AlignHorizontal_Mask, Qt::AlignLeft);
+        const QTextCharFormat image =
+            index.frame->cellAt(0, 0).firstCursorPosition().block().begin().fragment().charFormat();
         QCOMPARE(image.toImageFormat().name(), QStringLiteral("AvatarSingle"));
-        QCOMPARE(image.toImageFormat().width(), 40.0);
         QCOMPARE(image.colorProperty(TintColor), QColor("#3a7bd5"));
-        QVERIFY(image.boolProperty(Tint));
-
         const QTextCharFormat bubble = index.frame->cellAt(0, 1).format();
         QCOMPARE(bubble.background().color(), CVantrelApp::GetColor(clrBubbleOther));
-        QCOMPARE(bubble.doubleProperty(TopLeftRadius), 12.0);
-        QCOMPARE(bubble.doubleProperty(BottomRightRadius), 12.0);
         QCOMPARE(bubble.doubleProperty(BottomLeftRadius), 0.0);
-        QVERIFY(bubble.boolProperty(Shadow));
-        QCOMPARE(bubble.toTableCellFormat().leftPadding(), 13.0);
-        QCOMPARE(bubble.toTableCellFormat().topPadding(), 7.0);
-
         const QTextBlock author = index.frame->cellAt(0, 1).firstCursorPosition().block();
         QCOMPARE(author.text(), QStringLiteral("Anna"));
-        QCOMPARE(author.blockFormat().bottomMargin(), 7.0);
         QCOMPARE(author.begin().fragment().charFormat().fontWeight(), 700);
         QVERIFY(!bubbleText(index.frame).contains(QChar::ObjectReplacementCharacter)); // no status image
     }
@@ -97,15 +75,10 @@ private slots:
     {
         CMessageItemsDocument doc;
         const CMessageItemIndex index = doc.appendMessage(message("m1", false));
-        const QTextTableFormat tf = index.frame->format();
-        QCOMPARE(tf.alignment() & Qt::AlignHorizontal_Mask, Qt::AlignRight);
-        QCOMPARE(tf.leftMargin(), 100.0);
-        QCOMPARE(tf.rightMargin(), 16.0);
+        QCOMPARE(index.frame->format().alignment() & Qt::AlignHorizontal_Mask, Qt::AlignRight);
         QCOMPARE(index.frame->cellAt(0, 0).firstCursorPosition().block().length(), 1); // empty avatar cell
-        const QTextCharFormat bubble = index.frame->cellAt(0, 1).format();
-        QCOMPARE(bubble.background().color(), CVantrelApp::GetColor(clrBubbleOwn));
-        QCOMPARE(bubble.doubleProperty(BottomRightRadius), 0.0);
-        QCOMPARE(bubble.doubleProperty(BottomLeftRadius), 12.0);
+        QCOMPARE(index.frame->cellAt(0, 1).format().background().color(),
+                 CVantrelApp::GetColor(clrBubbleOwn));
         const QTextBlock footer = index.frame->cellAt(0, 1).lastCursorPosition().block();
         auto* tag = dynamic_cast<CBlockIdentification*>(footer.userData());
         QVERIFY(tag);
@@ -113,7 +86,6 @@ private slots:
         QVERIFY(
             footer.text().startsWith(QLocale::system().toString(message("m1").time, QLocale::LongFormat)));
         QVERIFY(footer.text().endsWith(QStringLiteral("  ") + QChar::ObjectReplacementCharacter));
-        QCOMPARE(footer.blockFormat().alignment() & Qt::AlignHorizontal_Mask, Qt::AlignRight);
     }
 
     void marksEditedAndDeletedMessages()
@@ -132,23 +104,6 @@ private slots:
         QVERIFY(text.contains("Message is deleted"));
         QVERIFY(!text.contains("secret body"));
         QVERIFY(text.contains("f.pdf"));
-    }
-
-    void registerRefusesDuplicatesAndIgnoresEmptyIds()
-    {
-        CMessageItemsDocument doc;
-        QVERIFY(doc.appendMessage(message("m1")).isValid());
-        const int length = doc.characterCount();
-        QVERIFY(!doc.appendMessage(message("m1")).isValid());
-        QCOMPARE(doc.characterCount(), length);
-        QVERIFY(doc.appendMessage(message("")).isValid());
-        QVERIFY(doc.appendMessage(message("")).isValid());
-        QCOMPARE(messageTables(doc).size(), 3);
-        QVERIFY(!doc.messageIndex("").isValid());
-        QVERIFY(doc.messageIndex("m1").isValid());
-        doc.clear();
-        QVERIFY(!doc.messageIndex("m1").isValid());
-        QVERIFY(doc.appendMessage(message("m1")).isValid());
     }
 
     void replaceKeepsThePlaceAndUpdateDropsARegisteredId()
@@ -185,71 +140,15 @@ private slots:
         QVERIFY(bubbleText(messageTables(doc).constLast()).contains("appended"));
     }
 
-    void removeDeletesTheTableAndItsEntry()
-    {
-        CMessageItemsDocument doc;
-        const CMessageItemIndex a = doc.appendMessage(message("a"));
-        doc.appendMessage(message("b"));
-        doc.removeMessage(a);
-        QCOMPARE(messageTables(doc).size(), 1);
-        QVERIFY(!doc.messageIndex("a").isValid());
-        doc.removeMessage(a); // already gone: nothing happens
-        QCOMPARE(messageTables(doc).size(), 1);
-    }
-
-    void findsOlderVersionsAndRefreshesUnresolvedNames()
-    {
-        CMessageItemsDocument doc;
-        CIncidentCommunication v1 = message("v1");
-        v1.versionKey = "k";
-        v1.nameKnown = false;
-        v1.senderId = "p7";
-        v1.senderName = "p7";
-        doc.appendMessage(v1);
-        CIncidentCommunication v2 = v1;
-        v2.id = "v2";
-        v2.editVersion = 2;
-        QCOMPARE(doc.findOlderVersion(v2).message.id, QStringLiteral("v1"));
-        QVERIFY(!doc.findOlderVersion(v1).isValid());
-
-        doc.updatePartyNames([](const QString& id) {
-            WatcherAliases aliases;
-            aliases.id = id;
-            aliases.displayName = "Resolved Name";
-            return aliases;
-        });
-        const CMessageItemIndex renewed = doc.messageIndex("v1");
-        QVERIFY(renewed.isValid());
-        QVERIFY(bubbleText(renewed.frame).contains("Resolved Name"));
-        QCOMPARE(messageTables(doc).size(), 1);
-    }
-
-    void searchesReachIntoNestedTables()
-    {
-        CMessageItemsDocument doc;
-        doc.appendMessage(
-            message("a", true,
-                    "<table><tr><td>x</td><td><a href=\"https://deep.example\">deep</a></td></tr></table>"));
-        const QTextBlock block = doc.findBlockWithAnchor("https://deep.example");
-        QVERIFY(block.isValid());
-        QCOMPARE(block.text(), QStringLiteral("deep"));
-        QVERIFY(!doc.findBlockWithAnchor("https://deep.example/").isValid());
-        doc.setTextWidth(400);
-        QVERIFY(!doc.anchorRect("https://deep.example").isEmpty());
-        QVERIFY(doc.anchorRect("nothing").isEmpty());
-    }
-
     void decidesHtmlByAClosedElement_data()
     {
         QTest::addColumn<QString>("body");
         QTest::addColumn<bool>("html");
         QTest::newRow("bold") << "a <b>word</b> here" << true;
         QTest::newRow("lone br") << "line<br>line" << false;
-        QTest::newRow("bare brackets") << "1 < 2 > 0" << false;
         QTest::newRow("closed on the next line") << "<b>a\nb</b>" << false;
         QTest::newRow("attributes across lines") << "<p\nclass=x>t</p>" << true;
         QTest::newRow("different case") << "<b>x</B>" << false;
-        QTest::newRow("underscore name") << "<a_b>x</a_b>" << false;
         QTest::newRow("nested") << "<div><span>x</span>" << true;
     }
     void decidesHtmlByAClosedElement()
@@ -257,57 +156,6 @@ private slots:
         QFETCH(QString, body);
         QFETCH(bool, html);
         QCOMPARE(CMessageItemsDocument::isHtmlBody(body), html);
-    }
-
-    void htmlDecisionAgreesWithTheExpression()
-    {
-        const QRegularExpression expression(R"(<([A-Za-z][A-Za-z0-9]*)\b[^>]*>(.*?)<\/\1>)");
-        const QString alphabet = QStringLiteral("<>/ab1_ \n\r\u00e4");
-        QRandomGenerator random(20240506);
-        for (int round = 0; round < 20000; ++round) {
-            QString body;
-            const int length = random.bounded(1, 24);
-            for (int i = 0; i < length; ++i)
-                body += alphabet.at(random.bounded(alphabet.size()));
-            QVERIFY2(CMessageItemsDocument::isHtmlBody(body) == expression.match(body).hasMatch(),
-                     qPrintable(body.toUtf8().toPercentEncoding()));
-        }
-    }
-
-    void survivesHostileBodies_data()
-    {
-        QTest::addColumn<QString>("body");
-        QTest::newRow("1 MB of text") << QString(1 << 20, QChar('x'));
-        QTest::newRow("1 MB of angle brackets") << QString(1 << 20, QChar('<'));
-        QTest::newRow("1 MB of unclosed tags") << QStringLiteral("<a ").repeated((1 << 20) / 3);
-        QTest::newRow("1 MB of open tags") << QStringLiteral("<b>").repeated((1 << 20) / 3);
-        QTest::newRow("deeply nested html") << QStringLiteral("<div>").repeated(2000) + "x</div>";
-        QTest::newRow("unclosed html") << QStringLiteral("<b>bold</b><i><table><tr><td>open");
-        QString list;
-        for (int i = 0; i < 3000; ++i)
-            list += QStringLiteral("- item %1\n").arg(i);
-        QTest::newRow("thousands of list items") << list;
-    }
-    void survivesHostileBodies()
-    {
-        QFETCH(QString, body);
-        CMessageItemsDocument doc;
-        const CMessageItemIndex index = doc.appendMessage(message("m", true, body));
-        QVERIFY(index.isValid());
-        QVERIFY(doc.characterCount() > 1);
-    }
-
-    void clearRestoresTheFixedResourcesOnly()
-    {
-        CMessageItemsDocument doc;
-        doc.addResource(QTextDocument::ImageResource, QUrl("progress40-cancellable"),
-                        QImage(4, 4, QImage::Format_ARGB32));
-        doc.clear();
-        for (const char* name : {"AvatarSingle", "delivered", "not-delivered", "delivery-failed"})
-            QVERIFY2(!doc.resource(QTextDocument::ImageResource, QUrl(name)).isNull(), name);
-        QCOMPARE(doc.resource(QTextDocument::ImageResource, QUrl("AvatarSingle")).userType(),
-                 QMetaType::QByteArray);
-        QVERIFY(doc.resource(QTextDocument::ImageResource, QUrl("progress40-cancellable")).isNull());
     }
 
     // Bodies whose size or shape would take the layout longer than a moment: shown shortened with a link to
@@ -318,27 +166,16 @@ private slots:
         QTest::addColumn<bool>("shortened");
         QTest::addColumn<bool>("rich");
         const QString paragraph = QStringLiteral("Some **bold** words in a paragraph.\n\n");
-        QTest::newRow("ordinary markdown") << paragraph.repeated(10) << false << true;
-        QTest::newRow("ordinary html") << QStringLiteral("<p>Some <b>bold</b> words</p>") << false << true;
         QTest::newRow("long markdown") << paragraph.repeated(3000) << true << true;
         QTest::newRow("one long word") << QString(300000, QLatin1Char('w')) << true << false;
+        QTest::newRow("exactly the longest body shown whole")
+            << QString(CMessageBody::MaxCharacters, QLatin1Char('w')) << false << false;
         QTest::newRow("nested tables")
             << QStringLiteral("<table><tr><td>").repeated(20) + QStringLiteral("deep") +
                    QStringLiteral("</td></tr></table>").repeated(20)
             << false << false;
-        QTest::newRow("nested divs") << QStringLiteral("<div>").repeated(3000) + QStringLiteral("x</div>")
-                                     << false << false;
-        QTest::newRow("deep list") << [] {
-            QString text;
-            for (int i = 0; i < 60; ++i)
-                text += QString(i * 2, QLatin1Char(' ')) + QStringLiteral("- **level**\n");
-            return text;
-        }() << false << false;
         QTest::newRow("many pictures")
             << QStringLiteral("<p><img src=\"missing.png\"> <b>x</b></p>").repeated(300) << false << false;
-        QTest::newRow("table rows") << QStringLiteral("| a | **b** |\n|---|---|\n") +
-                                           QStringLiteral("| 1 | **2** |\n").repeated(600)
-                                    << false << false;
     }
 
     void bodiesTooLongOrTooComplexAreShownShortenedOrPlain()

@@ -82,16 +82,6 @@ private slots:
         QCOMPARE(imagesIn(index.frame), QStringList{"AvatarSingle"});
         QCOMPARE(index.frame->format().background().color(), CVantrelApp::GetColor(clrFailureTint));
     }
-
-    void ignoresARemovedMessage()
-    {
-        CMessageItemsDocument doc;
-        const CMessageItemIndex index = doc.appendMessage(message("m", false));
-        doc.removeMessage(index);
-        const QString before = doc.toPlainText();
-        doc.setDeliveryStatus(index, CMessageItemsDocument::DeliveryFailed);
-        QCOMPARE(doc.toPlainText(), before);
-    }
 };
 
 HOST_TEST_MAIN(TestMessageStates)

@@ -5,7 +5,6 @@
 #include "QTextDocumentLayout.h"
 #include "TextImageHandler.h"
 
-#include <QFile>
 #include <QPainter>
 #include <QTextDocument>
 
@@ -78,18 +77,6 @@ private slots:
         QVERIFY(!resourceOf("shape_#c0392b").isNull());
         QCOMPARE(resourceOf("shape").userType(), QMetaType::QByteArray);
         QCOMPARE(resourceOf("shape").toByteArray(), kTintable);
-    }
-
-    void svgWithoutCurrentColorRendersUnchanged()
-    {
-        QCOMPARE(draw(tinted("fixed", Qt::red)).pixelColor(5, 5), QColor("#00ff00"));
-    }
-
-    void untintedSvgDataIsDecodedAsAnImage()
-    {
-        QTextImageFormat format;
-        format.setName("fixed");
-        QCOMPARE(m_handler->intrinsicSize(&m_doc, 0, format), QSizeF(10, 10));
     }
 
     void unusableImagesShowTheGenericFileIcon_data()

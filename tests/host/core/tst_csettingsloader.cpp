@@ -1,4 +1,4 @@
-// The host settings store: persistence, absent keys, and the store behind the application object.
+// The host settings store: persistence and absent keys.
 
 #include "CSettingsLoader.h"
 #include "HostRuntime.h"
@@ -47,43 +47,6 @@ private slots:
         QCOMPARE(settings.Keys(), QStringList{QStringLiteral("g/b")});
         QVERIFY(!settings.Read(QStringLiteral("a"), &value));
         QCOMPARE(value, QVariant(true));
-    }
-
-    void applicationStoreFollowsTheChosenFile()
-    {
-        CSettingsLoader& store = vantrelApp->getSettingsInstance();
-        QCOMPARE(&store, &HostRuntime::instance().settings());
-
-        QTemporaryDir folder;
-        const QString file = folder.filePath(QStringLiteral("prepared.ini"));
-        {
-            CSettingsLoader prepared(file);
-            prepared.Write(QStringLiteral("UIShowNews"), false);
-        }
-        const QString previous = store.fileName();
-        auto restore = qScopeGuard([&] { HostRuntime::instance().useSettingsFile(previous); });
-
-        HostRuntime::instance().useSettingsFile(file);
-        // The same store object now reads the prepared file, so references held elsewhere stay valid.
-        QCOMPARE(&vantrelApp->getSettingsInstance(), &store);
-        QVariant value;
-        QVERIFY(store.Read(QStringLiteral("UIShowNews"), &value));
-        QCOMPARE(value.toBool(), false);
-    }
-
-    void pendingWritesReachTheFileWhenTheStoreMoves()
-    {
-        QTemporaryDir folder;
-        const QString first = folder.filePath(QStringLiteral("first.ini"));
-        CSettingsLoader settings(first);
-        settings.Write(QStringLiteral("k"), QStringLiteral("v"));
-        settings.reopen(folder.filePath(QStringLiteral("second.ini")));
-        QVERIFY(!settings.Read(QStringLiteral("k"), nullptr));
-
-        CSettingsLoader check(first);
-        QVariant value;
-        QVERIFY(check.Read(QStringLiteral("k"), &value));
-        QCOMPARE(value.toString(), QStringLiteral("v"));
     }
 };
 

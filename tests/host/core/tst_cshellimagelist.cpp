@@ -1,51 +1,15 @@
-// File-type icons: present at the asked size, cached per type and size, told apart by family.
+// File-type icons: cached per type and size, told apart by family.
 
 #include "CShellImageList.h"
 #include "HostTestMain.h"
 
 #include <QImage>
 
-namespace {
-
-int visiblePixels(const QPixmap& pixmap)
-{
-    const QImage image = pixmap.toImage().convertToFormat(QImage::Format_ARGB32);
-    int count = 0;
-    for (int y = 0; y < image.height(); ++y) {
-        for (int x = 0; x < image.width(); ++x)
-            count += qAlpha(image.pixel(x, y)) > 0 ? 1 : 0;
-    }
-    return count;
-}
-
-} // namespace
-
 class TestCShellImageList : public QObject
 {
     Q_OBJECT
 
 private slots:
-    void iconsExistAtTheAskedSize_data()
-    {
-        QTest::addColumn<QString>("fileName");
-        QTest::addColumn<int>("size");
-        QTest::newRow("pdf, large") << "report.pdf" << 128;
-        QTest::newRow("png, small") << "photo.png" << 16;
-        QTest::newRow("unknown extension") << "data.xyz123" << 48;
-        QTest::newRow("no extension") << "README" << 20;
-        QTest::newRow("screenshot name") << "Screenshot 2024-05-01T101530.123Z.png" << 128;
-    }
-    void iconsExistAtTheAskedSize()
-    {
-        QFETCH(QString, fileName);
-        QFETCH(int, size);
-        const QPixmap icon = CShellImageList::instance()->getShellImage(fileName, size);
-        QVERIFY(!icon.isNull());
-        QVERIFY(icon.width() <= size && icon.height() <= size);
-        QVERIFY(icon.width() >= size / 2);
-        QVERIFY(visiblePixels(icon) > size * size / 8);
-    }
-
     void sameTypeAndSizeComeFromTheCache()
     {
         CShellImageList* list = CShellImageList::instance();

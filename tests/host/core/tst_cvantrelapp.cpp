@@ -1,5 +1,4 @@
-// The application object and the host environment it exposes: identity, application events, what the host
-// records (links, flashed windows), the services it hands out and the switches tests can turn.
+// The application object: identity, application events and broadcasts.
 
 #include "CNewsFetcher.h"
 #include "CReadNewsEntryRequest.h"
@@ -11,7 +10,6 @@
 
 #include <QSignalSpy>
 #include <QStyle>
-#include <QWidget>
 
 namespace {
 
@@ -76,74 +74,6 @@ private slots:
         vantrelApp->broadcastRequest(BroadcastWriteToSupport);
         QCOMPARE(spy.size(), 1);
         QCOMPARE(spy.at(0).at(0).value<AppBroadcastRequest>(), BroadcastWriteToSupport);
-    }
-
-    void linksAndFlashesAreRecorded()
-    {
-        QVERIFY(!HostRuntime::instance().openExternally);
-        QSignalSpy recorded(&HostRuntime::instance(), &HostRuntime::eventRecorded);
-        vantrelApp->onExternalBrowserLinkClicked(QStringLiteral("https://example.com/a?b=c"));
-        QWidget window;
-        flashWindow(window.winId(), 10);
-        flashWindow(HWND(0), 3); // an unknown window is still recorded
-
-        const QList<HostRuntime::Event>& events = HostRuntime::instance().events;
-        QCOMPARE(recorded.size(), 3);
-        QCOMPARE(events.size(), 3);
-        QCOMPARE(events.at(0).kind, QStringLiteral("openLink"));
-        QCOMPARE(events.at(0).details.value("url").toString(), QStringLiteral("https://example.com/a?b=c"));
-        QCOMPARE(events.at(1).kind, QStringLiteral("flashWindow"));
-        QCOMPARE(events.at(1).details.value("count").toUInt(), 10u);
-        QCOMPARE(events.at(2).details.value("count").toUInt(), 3u);
-    }
-
-    void servicesAreSharedAndGuarded()
-    {
-        HostRuntime& runtime = HostRuntime::instance();
-        auto restore = qScopeGuard([&] { runtime.newsFetcherAvailable = true; });
-        const std::shared_ptr<CNewsFetcher> fetcher = vantrelApp->getNewsFetcher();
-        QVERIFY(fetcher);
-        QCOMPARE(vantrelApp->getNewsFetcher(), fetcher);
-        runtime.newsFetcherAvailable = false;
-        QVERIFY(!vantrelApp->getNewsFetcher());
-
-        CSignInService* service = vantrelApp->getSignInService();
-        QCOMPARE(vantrelApp->getSignInService(), service);
-        QCOMPARE(service->parent(), vantrelApp);
-
-        auto* window = new QWidget;
-        vantrelApp->setMainWidget(window);
-        QCOMPARE(vantrelApp->mainWidget(), window);
-        delete window;
-        QVERIFY(!vantrelApp->mainWidget());
-    }
-
-    void switchesFollowTheHost()
-    {
-        HostRuntime& runtime = HostRuntime::instance();
-        auto restore = qScopeGuard([&] {
-            runtime.canUseWebEngine = true;
-            runtime.windowsPE = false;
-            runtime.allowed.clear();
-            runtime.visible.clear();
-        });
-        QVERIFY(vantrelApp->getCanUseWebEngineWidgets());
-        QVERIFY(!IsWindowsPE());
-        // Unknown feature switches are on.
-        QVERIFY(ConfigurableObjects::isAllowed(QStringLiteral("useZendeskTickets")));
-        QVERIFY(ConfigurableObjects::isVisible(QStringLiteral("showNews")));
-
-        runtime.canUseWebEngine = false;
-        runtime.windowsPE = true;
-        runtime.allowed.insert(QStringLiteral("useZendeskTickets"), false);
-        runtime.visible.insert(QStringLiteral("showNews"), false);
-        QVERIFY(!vantrelApp->getCanUseWebEngineWidgets());
-        QVERIFY(IsWindowsPE());
-        QVERIFY(!ConfigurableObjects::isAllowed(QStringLiteral("useZendeskTickets")));
-        QVERIFY(!ConfigurableObjects::isVisible(QStringLiteral("showNews")));
-        // Allowed and visible are independent of each other.
-        QVERIFY(ConfigurableObjects::isVisible(QStringLiteral("useZendeskTickets")));
-        QVERIFY(ConfigurableObjects::isAllowed(QStringLiteral("showNews")));
     }
 };
 

@@ -1,4 +1,4 @@
-// View-model bases and the form repository: loading a view once, host widgets in forms, sub-models.
+// View-model bases and the form repository: loading a view once, host widgets in forms, a missing form.
 
 #include "CBusyStateCtl.h"
 #include "CFormRepository.h"
@@ -82,29 +82,6 @@ private slots:
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("no-such.form.ui"));
         QVERIFY(!model.View(nullptr));
         QCOMPARE(model.setupCount, 0);
-    }
-
-    void subModelsAreRefreshedAndActivatedUntilGone()
-    {
-        ProbeViewModel parentModel(probeForm);
-        ProbeViewModel child(probeForm);
-        parentModel.registerSubViewModel(&child);
-        parentModel.registerSubViewModel(&child);
-
-        parentModel.refreshView();
-        QCOMPARE(child.refreshCount, 1);
-        parentModel.setSubViewActive(&child, true);
-        QVERIFY(child.lastActive);
-
-        parentModel.unregisterSubViewModel(&child);
-        parentModel.refreshView();
-        QCOMPARE(child.refreshCount, 1);
-
-        auto* destroyed = new ProbeViewModel(probeForm);
-        parentModel.registerSubViewModel(destroyed);
-        delete destroyed;
-        parentModel.refreshView();
-        QCOMPARE(parentModel.refreshCount, 3);
     }
 };
 

@@ -1,11 +1,9 @@
-// The host file dialogs as scripted by the stand-in: answers, cancel, what each call records.
+// The host file dialogs as scripted by the stand-in: answers, cancel, what a save records.
 
 #include "CSettingsLoader.h"
 #include "FileDialogs.h"
 #include "HostRuntime.h"
 #include "HostTestMain.h"
-
-#include <QTemporaryDir>
 
 class TestFileDialogs : public QObject
 {
@@ -39,24 +37,6 @@ private slots:
             settings.Remove(key);
     }
 
-    void openAnswersJoinSeveralPathsWithAStar()
-    {
-        runtime().openFileAnswers.enqueue({"/data/a.txt", "/data/b c.pdf", "/other/d.png"});
-        QString path = QStringLiteral("/home/user/Documents");
-        QVERIFY(stdOpenFileDialog(nullptr, {CFilterDesc(QStringLiteral("All files"), QStringLiteral("*"))},
-                                  path, FileDialogOptions(FileDialogOptions::MultiSelect)));
-        QCOMPARE(path, QStringLiteral("/data/a.txt*/data/b c.pdf*/other/d.png"));
-        QVERIFY(runtime().openFileAnswers.isEmpty());
-
-        QCOMPARE(runtime().events.size(), 1);
-        const HostRuntime::Event event = runtime().events.constFirst();
-        QCOMPARE(event.kind, QStringLiteral("fileDialog"));
-        QCOMPARE(event.details.value("kind").toString(), QStringLiteral("open"));
-        QCOMPARE(event.details.value("path").toString(), QStringLiteral("/home/user/Documents"));
-        QCOMPARE(event.details.value("filters").toStringList(), QStringList{QStringLiteral("All files (*)")});
-        QCOMPARE(event.details.value("options").toUInt(), unsigned(FileDialogOptions::MultiSelect));
-    }
-
     void emptyAnswerIsACancel()
     {
         runtime().openFileAnswers.enqueue({});
@@ -70,20 +50,6 @@ private slots:
         QCOMPARE(savePath, QStringLiteral("/start/report.pdf"));
         QCOMPARE(runtime().events.size(), 2);
         QVERIFY(settingValues().isEmpty());
-    }
-
-    void answersAreUsedInTurnAndSingleSelectionTakesOnePath()
-    {
-        runtime().saveAsAnswers.enqueue(QStringLiteral("/one.txt"));
-        runtime().saveAsAnswers.enqueue(QStringLiteral("/two.txt"));
-        runtime().openFileAnswers.enqueue({"/data/a.txt", "/data/b.txt"});
-        QString path;
-        QVERIFY(stdOpenFileDialog(nullptr, {}, path, FileDialogOptions()));
-        QCOMPARE(path, QStringLiteral("/data/a.txt"));
-        QVERIFY(stdSaveAsDialog(nullptr, {}, path, FileDialogOptions()));
-        QCOMPARE(path, QStringLiteral("/one.txt"));
-        QVERIFY(stdSaveAsDialog(nullptr, {}, path, FileDialogOptions()));
-        QCOMPARE(path, QStringLiteral("/two.txt"));
     }
 
     void saveRecordsTheProposalAndFilters()
@@ -102,21 +68,6 @@ private slots:
         QCOMPARE(event.details.value("filters").toStringList(),
                  QStringList({QStringLiteral("Pdf files (*.pdf)"), QStringLiteral("Images (*.png *.jpg)")}));
         QCOMPARE(event.details.value("options").toUInt(), 4u);
-    }
-
-    void rememberFolderKeepsTheLastFolderOnlyWhenAsked()
-    {
-        QTemporaryDir folder;
-        const QString file = folder.filePath(QStringLiteral("picked.txt"));
-
-        runtime().openFileAnswers.enqueue({file});
-        QString path;
-        QVERIFY(stdOpenFileDialog(nullptr, {}, path, FileDialogOptions(FileDialogOptions::MultiSelect)));
-        QVERIFY(settingValues().isEmpty());
-
-        runtime().openFileAnswers.enqueue({file});
-        QVERIFY(stdOpenFileDialog(nullptr, {}, path, FileDialogOptions(FileDialogOptions::RememberFolder)));
-        QCOMPARE(settingValues(), QVariantList{folder.path()});
     }
 };
 

@@ -1,29 +1,9 @@
-// Painting geometry of the host: the focus frame and mapping layout rectangles to widget pixels.
+// Painting geometry of the host: mapping layout rectangles to widget pixels under the UI scale.
 
 #include "CSettingsLoader.h"
 #include "HostPainting.h"
 #include "HostTestMain.h"
 #include "Mapper.h"
-
-#include <QImage>
-#include <QPainter>
-
-namespace {
-
-constexpr int canvasSize = 40;
-const QRect frameRect(5, 5, 30, 20);
-
-int changedPixels(const QImage& image, const QRect& area)
-{
-    int count = 0;
-    for (int y = area.top(); y <= area.bottom(); ++y) {
-        for (int x = area.left(); x <= area.right(); ++x)
-            count += image.pixel(x, y) != qRgb(255, 255, 255) ? 1 : 0;
-    }
-    return count;
-}
-
-} // namespace
 
 class TestHostPainting : public QObject
 {
@@ -31,43 +11,6 @@ class TestHostPainting : public QObject
 
 private slots:
     void cleanup() { vantrelApp->getSettingsInstance().Remove(QStringLiteral("UIScale")); }
-
-    void focusFrameStaysOnTheEdge_data()
-    {
-        QTest::addColumn<bool>("withStyle");
-        QTest::newRow("host frame") << false;
-        QTest::newRow("style frame") << true;
-    }
-
-    void focusFrameStaysOnTheEdge()
-    {
-        QFETCH(bool, withStyle);
-        QImage image(canvasSize, canvasSize, QImage::Format_ARGB32);
-        image.fill(Qt::white);
-        QPainter painter(&image);
-        drawFocusRect(&painter, frameRect, Qt::red, QStyle::State_None,
-                      withStyle ? QApplication::style() : nullptr);
-        drawFocusRect(&painter, QRect(), Qt::red); // an empty rectangle paints nothing
-        drawFocusRect(nullptr, frameRect, Qt::red);
-        painter.end();
-
-        QVERIFY(changedPixels(image, frameRect) > 0);
-        QCOMPARE(changedPixels(image, QRect(0, 0, canvasSize, 2)), 0);
-        if (withStyle)
-            return;
-        QCOMPARE(changedPixels(image, QRect(0, 0, canvasSize, frameRect.top())), 0);
-        QCOMPARE(changedPixels(image, frameRect.adjusted(2, 2, -2, -2)), 0);
-        // The straight part of the top edge is dotted: some pixels painted red, some left blank.
-        int red = 0;
-        int blank = 0;
-        for (int x = frameRect.left() + 4; x <= frameRect.right() - 4; ++x) {
-            const QColor pixel = image.pixelColor(x, frameRect.top());
-            blank += pixel == Qt::white ? 1 : 0;
-            red += pixel.red() > 200 && pixel.green() < 120 ? 1 : 0;
-        }
-        QVERIFY(red > 4);
-        QVERIFY(blank > 4);
-    }
 
     void mapperRoundsOutwardsUnderTheUiScale_data()
     {

@@ -1,5 +1,5 @@
-// The simulated support server as the request handlers and service facades see it: answers arrive from the
-// event loop, errors carry status and message, limits, holding, latency, drafts, downloads and thread order.
+// The simulated support server as the request handlers and service facades see it: sends stored or refused
+// with their status, limits, drafts, thread order and threads assigned later.
 #include "ChatServiceApi.h"
 #include "CommunicationEntityUpdateHandler.h"
 #include "GeneratedConversation.h"
@@ -67,75 +67,6 @@ private slots:
                  qPrintable(error));
     }
 
-    void answersAfterTheCallReturns_data()
-    {
-        QTest::addColumn<QString>("kind");
-        for (const char* kind : {"fetch", "create", "delete", "download", "ticket", "fail"})
-            QTest::newRow(kind) << kind;
-    }
-
-    void answersAfterTheCallReturns()
-    {
-        QFETCH(QString, kind);
-        QTemporaryDir dir;
-        const QString conv = QStringLiteral("conv-a");
-        CAbstractRestApi* handler = nullptr;
-        if (kind == QLatin1String("fetch"))
-            handler = ChatServiceApi::startFetchThreadCommunications(conv);
-        else if (kind == QLatin1String("create"))
-            handler = ChatServiceApi::startCreateThreadMessage(conv, QStringLiteral("hi"), {}, false);
-        else if (kind == QLatin1String("delete"))
-            handler = ChatServiceApi::startDeleteEntities({QStringLiteral("d-a")});
-        else if (kind == QLatin1String("download"))
-            handler = ChatServiceApi::startDownloadFile(
-                QStringLiteral("att-text"), dir.filePath(QStringLiteral("n.txt")), ExistingFileOverwrite);
-        else if (kind == QLatin1String("ticket"))
-            handler =
-                TicketServiceApi::startCreateTicket(QStringLiteral("body"), QStringLiteral("subject"), {});
-        else
-            handler = ChatServiceApi::startFetchThreadCommunications(QStringLiteral("no-such-thread"));
-        QSignalSpy finished(handler, &CAbstractRestApi::finished);
-        QSignalSpy errors(handler, &CAbstractRestApi::requestErrorOccured);
-        QCOMPARE(finished.count() + errors.count(), 0);
-        QVERIFY(handler->isRunning());
-        QVERIFY(waitFor(finished));
-        QCOMPARE(finished.first().first().toBool(), kind != QLatin1String("fail"));
-    }
-
-    void scriptedFailureCarriesStatusAndMessageOnce_data()
-    {
-        QTest::addColumn<int>("status");
-        QTest::addColumn<QString>("message");
-        QTest::addColumn<int>("networkError");
-        QTest::newRow("unavailable") << 503 << "Service down" << int(QNetworkReply::ServiceUnavailableError);
-        QTest::newRow("not found") << 404 << "Gone fishing" << int(QNetworkReply::ContentNotFoundError);
-        QTest::newRow("too large") << 413 << "Payload Too Large" << int(QNetworkReply::UnknownContentError);
-    }
-
-    void scriptedFailureCarriesStatusAndMessageOnce()
-    {
-        QFETCH(int, status);
-        QFETCH(QString, message);
-        QFETCH(int, networkError);
-        HostControl::failNextRequest(QStringLiteral("/threads/"), status, message);
-        auto* handler = ChatServiceApi::startFetchThreadCommunications(QStringLiteral("conv-a"));
-        QSignalSpy errors(handler, &CAbstractRestApi::requestErrorOccured);
-        QSignalSpy fetched(handler, &CustomerEntitiesQueryVectorHandler::entitiesFetched);
-        QSignalSpy finished(handler, &CAbstractRestApi::finished);
-        QVERIFY(waitFor(finished));
-        QCOMPARE(errors.count(), 1);
-        QCOMPARE(errors.first().at(0).toInt(), status);
-        QCOMPARE(int(errors.first().at(1).value<QNetworkReply::NetworkError>()), networkError);
-        QCOMPARE(errors.first().at(2).toString(), message);
-        QCOMPARE(fetched.count(), 0);
-        QCOMPARE(finished.first().first().toBool(), false);
-
-        auto* again = ChatServiceApi::startFetchThreadCommunications(QStringLiteral("conv-a"));
-        QSignalSpy finishedAgain(again, &CAbstractRestApi::finished);
-        QVERIFY(waitFor(finishedAgain));
-        QCOMPARE(finishedAgain.first().first().toBool(), true);
-    }
-
     void sendIsStoredOrRefusedWithItsStatus_data()
     {
         QTest::addColumn<QString>("thread");
@@ -191,78 +122,6 @@ private slots:
             QCOMPARE(stored.at(i)[QStringLiteral("fileName")].toString(),
                      QStringLiteral("file%1.bin").arg(i));
         }
-    }
-
-    void lengthCounterShowsUsedAndAllowed()
-    {
-        HostControl::setMessageLengthLimit(kMessageLengthLimit);
-        QString counter;
-        QVERIFY(ChatServiceApi::checkCommunicationLength(QStringLiteral("0123456789"), counter));
-        QCOMPARE(counter, QStringLiteral("10 / 10"));
-        QVERIFY(!ChatServiceApi::checkCommunicationLength(QStringLiteral("0123456789A"), counter));
-        QCOMPARE(counter, QStringLiteral("11 / 10"));
-    }
-
-    void heldRequestsChangeNothingUntilReleasedOrFailedOneByOne()
-    {
-        HostControl::setHoldRequests(true);
-        auto* send = ChatServiceApi::startCreateThreadMessage(QStringLiteral("conv-a"),
-                                                              QStringLiteral("later"), {}, false);
-        auto* fetch = ChatServiceApi::startFetchThreadCommunications(QStringLiteral("conv-a"));
-        QSignalSpy sendFinished(send, &CAbstractRestApi::finished);
-        QSignalSpy fetchFinished(fetch, &CAbstractRestApi::finished);
-        QSignalSpy fetchErrors(fetch, &CAbstractRestApi::requestErrorOccured);
-        QTest::qWait(50);
-        QCOMPARE(sendFinished.count() + fetchFinished.count(), 0);
-        QCOMPARE(threadSize(), kMessagesInConvA);
-        const QList<HostControl::Request> pending = HostControl::pendingRequests();
-        QCOMPARE(pending.size(), 2);
-        QCOMPARE(pending.at(1).verb, QByteArray("GET"));
-        QCOMPARE(pending.at(1).path, QStringLiteral("/threads/conv-a/communications"));
-
-        QVERIFY(HostControl::releaseRequest(pending.at(0).id));
-        QVERIFY(!HostControl::releaseRequest(pending.at(0).id));
-        QVERIFY(waitFor(sendFinished));
-        QCOMPARE(threadSize(), kMessagesInConvA + 1);
-        QCOMPARE(fetchFinished.count(), 0);
-
-        QVERIFY(HostControl::failRequest(pending.at(1).id, 500, QStringLiteral("boom")));
-        QVERIFY(waitFor(fetchFinished));
-        QCOMPARE(fetchFinished.first().first().toBool(), false);
-        QCOMPARE(fetchErrors.first().at(0).toInt(), 500);
-        QCOMPARE(fetchErrors.first().at(2).toString(), QStringLiteral("boom"));
-        QVERIFY(HostControl::pendingRequests().isEmpty());
-        const QList<HostControl::Request> log = HostControl::requestLog();
-        QCOMPARE(log.size(), 2);
-        QVERIFY(log.at(0).answered && log.at(1).answered);
-    }
-
-    void latencyDelaysEveryAnswer()
-    {
-        constexpr int latency = 250;
-        HostControl::setLatency(latency);
-        auto* handler = ChatServiceApi::startFetchThreadCommunications(QStringLiteral("conv-a"));
-        QSignalSpy finished(handler, &CAbstractRestApi::finished);
-        QTest::qWait(latency / 2);
-        QCOMPARE(finished.count(), 0);
-        QVERIFY(waitFor(finished));
-    }
-
-    void abortEndsWithOperationCanceled()
-    {
-        HostControl::setLatency(200);
-        auto* handler = ChatServiceApi::startFetchThreadCommunications(QStringLiteral("conv-a"));
-        QSignalSpy errors(handler, &CAbstractRestApi::requestErrorOccured);
-        QSignalSpy finished(handler, &CAbstractRestApi::finished);
-        QSignalSpy fetched(handler, &CustomerEntitiesQueryVectorHandler::entitiesFetched);
-        handler->abort();
-        QVERIFY(waitFor(finished));
-        QCOMPARE(errors.first().at(0).toInt(), 0);
-        QCOMPARE(errors.first().at(1).value<QNetworkReply::NetworkError>(),
-                 QNetworkReply::OperationCanceledError);
-        QCOMPARE(finished.first().first().toBool(), false);
-        QTest::qWait(300);
-        QCOMPARE(fetched.count(), 0);
     }
 
     void threadIsOldestFirstWithoutDraftsAndEditsReplaceTheirOlderVersion()
@@ -336,59 +195,6 @@ private slots:
         QCOMPARE(removed.first().first().toBool(), true);
         QVERIFY(HostControl::drafts(conv).isEmpty());
         QCOMPARE(ChatServiceApi::draftMessage(QVariant(QStringLiteral("not an entity"))), QString());
-    }
-
-    void downloadsWriteTheBytesWithProgressAndHonourTheExistingFilePolicy_data()
-    {
-        QTest::addColumn<QString>("target");
-        QTest::addColumn<int>("policy");
-        QTest::addColumn<QString>("writtenName");
-        QTest::addColumn<QByteArray>("originalAfterwards");
-        const QByteArray bytes("hello attachment");
-        QTest::newRow("new folders") << "sub/folder/notes.txt" << int(ExistingFileFail) << "notes.txt"
-                                     << bytes;
-        QTest::newRow("fail") << "notes.txt" << int(ExistingFileFail) << QString() << QByteArray("old");
-        QTest::newRow("rename") << "notes.txt" << int(ExistingFileRename) << "notes (2).txt"
-                                << QByteArray("old");
-        QTest::newRow("overwrite") << "notes.txt" << int(ExistingFileOverwrite) << "notes.txt" << bytes;
-    }
-
-    void downloadsWriteTheBytesWithProgressAndHonourTheExistingFilePolicy()
-    {
-        QFETCH(QString, target);
-        QFETCH(int, policy);
-        QFETCH(QString, writtenName);
-        QFETCH(QByteArray, originalAfterwards);
-        QTemporaryDir dir;
-        QFile existing(dir.filePath(QStringLiteral("notes.txt")));
-        QVERIFY(existing.open(QIODevice::WriteOnly));
-        existing.write("old");
-        existing.close();
-
-        auto* handler = ChatServiceApi::startDownloadFile(QStringLiteral("att-text"), dir.filePath(target),
-                                                          ExistingFilePolicy(policy));
-        QSignalSpy progress(handler, &AttachmentsGetHandler::downloadProgress);
-        QSignalSpy finished(handler, &CAbstractRestApi::finished);
-        QSignalSpy errors(handler, &CAbstractRestApi::requestErrorOccured);
-        QString written;
-        connect(handler, &CAbstractRestApi::finished, this, [&] { written = handler->downloadedFilePath(); });
-        QVERIFY(waitFor(finished));
-        const bool ok = !writtenName.isEmpty();
-        QCOMPARE(finished.first().first().toBool(), ok);
-        QCOMPARE(errors.count(), ok ? 0 : 1);
-        QFile original(dir.filePath(target));
-        QVERIFY(original.open(QIODevice::ReadOnly));
-        QCOMPARE(original.readAll(), originalAfterwards);
-        if (!ok)
-            return;
-        QCOMPARE(written, QFileInfo(dir.filePath(target)).absoluteDir().filePath(writtenName));
-        QFile file(written);
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), QByteArray("hello attachment"));
-        QVERIFY(progress.count() >= 2);
-        QCOMPARE(progress.last().at(0).toInt(), 100);
-        QCOMPARE(progress.last().at(1).toULongLong(), progress.last().at(2).toULongLong());
-        QVERIFY(progress.first().at(1).toULongLong() < progress.last().at(1).toULongLong());
     }
 
     void ticketGetsItsThreadLater()

@@ -16,9 +16,6 @@
 #include <qpa/qplatformintegration.h>
 
 namespace {
-// Long enough that a balloon meant to stay would have expired by then.
-constexpr int kStayCheckMs = 150;
-
 // The objects of the alerts told to assistive technology.
 QList<QPointer<QObject>> s_alerts;
 
@@ -65,25 +62,6 @@ private slots:
         delete m_window;
         m_window = nullptr;
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    }
-
-    void recordsWhatWasAsked()
-    {
-        const QRect rect(2, 3, 40, 10);
-        issueBalloonMessage(m_edit, "Please specify a subject.", QMessageBox::Critical, rect, 5000);
-        const auto events = HostControl::events("balloon");
-        QCOMPARE(events.size(), 1);
-        const QVariantMap details = events.first().details;
-        QCOMPARE(details.value("text").toString(), QStringLiteral("Please specify a subject."));
-        QCOMPARE(details.value("icon").toInt(), int(QMessageBox::Critical));
-        QCOMPARE(details.value("timeout").toUInt(), 5000u);
-        QCOMPARE(details.value("widget").toString(), QStringLiteral("subjectEdit"));
-        QCOMPARE(details.value("rect").toRect(), rect);
-
-        // Without a widget the request is only recorded.
-        QVERIFY(!issueBalloonMessage(nullptr, "Nowhere", QMessageBox::Critical));
-        QCOMPARE(HostControl::events("balloon").size(), 2);
-        QCOMPARE(HostControl::events("balloon").last().details.value("widget").toString(), QString());
     }
 
     void showsOnlyWhileBalloonsAreOn_data()
@@ -142,83 +120,6 @@ private slots:
         }
         QVERIFY(QTest::qWaitFor([&] { return balloon.isNull(); }));
         QCOMPARE(closed.size(), 1);
-    }
-
-    void permanentTimeoutsKeepItOpen_data()
-    {
-        QTest::addColumn<unsigned>("timeout");
-        QTest::newRow("zero") << 0u;
-        QTest::newRow("all bits") << 0xFFFFFFFFu;
-    }
-
-    void permanentTimeoutsKeepItOpen()
-    {
-        QFETCH(unsigned, timeout);
-        QPointer<CAbstractPopupAssistant> balloon =
-            issueBalloonMessage(m_edit, "Stays", QMessageBox::Critical, QRect(), timeout);
-        QTest::qWait(kStayCheckMs);
-        QVERIFY(balloon);
-        QVERIFY(balloon->isVisible());
-    }
-
-    void replacesThePreviousBalloonOfTheSameWidgetOnly()
-    {
-        QPointer<CAbstractPopupAssistant> first =
-            issueBalloonMessage(m_edit, "First", QMessageBox::Critical, QRect(), 0);
-        QPointer<CAbstractPopupAssistant> second =
-            issueBalloonMessage(m_edit, "Second", QMessageBox::Critical, QRect(), 0);
-        QVERIFY(first != second);
-        QVERIFY(!first || !first->isVisible());
-        QVERIFY(QTest::qWaitFor([&] { return first.isNull(); }));
-        QVERIFY(second);
-        QVERIFY(second->isVisible());
-        QCOMPARE(second->text(), QStringLiteral("Second"));
-        QCOMPARE(HostControl::events("balloon").size(), 2);
-
-        // Balloons of other widgets stay.
-        auto* other = new QLabel("other", m_window);
-        m_window->layout()->addWidget(other);
-        QPointer<CAbstractPopupAssistant> third =
-            issueBalloonMessage(other, "On label", QMessageBox::Critical, QRect(), 0);
-        QTest::qWait(10);
-        QVERIFY(second && third);
-        QVERIFY(second->isVisible());
-    }
-
-    void pointsAtTheBottomCentreOfTheRectangle()
-    {
-        const QRect rect(10, 0, 60, m_edit->height());
-        QPointer<CAbstractPopupAssistant> balloon =
-            issueBalloonMessage(m_edit, "Here", QMessageBox::Critical, rect, 0);
-        QVERIFY(balloon);
-        const QPoint anchor = m_edit->mapToGlobal(QPoint(rect.center().x(), rect.bottom()));
-        const QRect geometry = balloon->frameGeometry();
-        QVERIFY2(geometry.left() < anchor.x() && geometry.right() > anchor.x(),
-                 "the balloon is not under the rectangle");
-        // Below the anchor, with only the shadow margin above the arrow tip.
-        QVERIFY2(qAbs(geometry.top() - anchor.y()) <= 12,
-                 qPrintable(QStringLiteral("top %1, anchor %2").arg(geometry.top()).arg(anchor.y())));
-    }
-
-    void staysOnTheScreenNearItsEdges()
-    {
-        const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-        m_window->move(screen.right() - m_window->width() + 1, screen.bottom() - m_window->height() + 1);
-        auto* corner = new QLabel("corner", m_window);
-        corner->setGeometry(m_window->width() - 10, m_window->height() - 10, 10, 10);
-        corner->show();
-        QTest::qWait(10);
-        QPointer<CAbstractPopupAssistant> balloon = issueBalloonMessage(
-            corner, "A rather long text that makes the balloon wide enough to need moving.",
-            QMessageBox::Critical, QRect(), 0);
-        QVERIFY(balloon);
-        QVERIFY2(screen.contains(balloon->frameGeometry()), qPrintable(QStringLiteral("balloon %1,%2 %3x%4")
-                                                                           .arg(balloon->x())
-                                                                           .arg(balloon->y())
-                                                                           .arg(balloon->width())
-                                                                           .arg(balloon->height())));
-        // No room below the corner: the balloon opens above it.
-        QVERIFY(balloon->frameGeometry().bottom() <= corner->mapToGlobal(QPoint(0, corner->height())).y());
     }
 
     void paintsARoundedBubbleWithItsArrow()

@@ -71,20 +71,6 @@ private slots:
                 dialog.okButton()->mapTo(&dialog, QPoint(0, 0)).y());
     }
 
-    void reportsAMissingForm()
-    {
-        ProbeDialog dialog("no.such.form.ui");
-        QTest::ignoreMessage(QtCriticalMsg,
-                             QRegularExpression("CKOLDialog \\(.*ProbeDialog\\): cannot load form "
-                                                "\"no.such.form.ui\""));
-        QVERIFY(!dialog.ensureLoaded());
-        QVERIFY(!dialog.formWidget());
-        QCOMPARE(dialog.setupCalls, 0);
-        QTest::ignoreMessage(QtCriticalMsg, QRegularExpression("cannot load form"));
-        QCOMPARE(dialog.Execute(), int(QDialog::Rejected));
-        QVERIFY(!dialog.isVisible());
-    }
-
     void runsModallyAndRecordsTheResult_data()
     {
         QTest::addColumn<bool>("accept");
@@ -110,51 +96,6 @@ private slots:
         QCOMPARE(events.size(), 1);
         QVERIFY(events.first().details.value("class").toString().endsWith("ProbeDialog"));
         QCOMPARE(events.first().details.value("result").toInt(), result);
-    }
-
-    void leavesClosingOnOkToTheSubclass()
-    {
-        ProbeDialog dialog("communications.createIncident.ui");
-        QVERIFY(dialog.ensureLoaded());
-        dialog.show();
-        dialog.okButton()->click();
-        QCOMPARE(dialog.acceptCalls, 1);
-        QVERIFY(dialog.isVisible());
-        dialog.reject();
-        QVERIFY(!dialog.isVisible());
-        QCOMPARE(dialog.result(), int(QDialog::Rejected));
-
-        // Without a subclass, OK closes.
-        CKOLDialog plain(nullptr, false, QVariant(), false);
-        plain.show();
-        plain.okButton()->click();
-        QVERIFY(!plain.isVisible());
-        QCOMPARE(plain.result(), int(QDialog::Accepted));
-    }
-
-    void escapeFollowsTheCancelButton()
-    {
-        ProbeDialog dialog("communications.createIncident.ui");
-        QVERIFY(dialog.ensureLoaded());
-        dialog.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
-        dialog.cancelButton()->setEnabled(false);
-        QTest::keyClick(&dialog, Qt::Key_Escape);
-        QVERIFY(dialog.isVisible());
-        dialog.cancelButton()->setEnabled(true);
-        QTest::keyClick(&dialog, Qt::Key_Escape);
-        QVERIFY(!dialog.isVisible());
-    }
-
-    void modelessDialogsReturnAtOnce()
-    {
-        ProbeDialog dialog("communications.createIncident.ui", true);
-        dialog.Execute();
-        QVERIFY(dialog.isVisible());
-        QVERIFY(!dialog.isModal());
-        QVERIFY(HostControl::events("dialogExecuted").isEmpty());
-        dialog.reject();
-        QCOMPARE(HostControl::events("dialogExecuted").size(), 1);
     }
 };
 

@@ -28,26 +28,6 @@ private slots:
         QVERIFY(!timer->isActive());
     }
 
-    void busyIndicatorMakesRoomForItsText()
-    {
-        CBusyStateCtl busy;
-        const QSize bare = busy.sizeHint();
-        busy.setBusyText(QStringLiteral("Creating new communication, please wait a moment..."));
-        QCOMPARE(busy.busyText(), QStringLiteral("Creating new communication, please wait a moment..."));
-        QVERIFY(busy.sizeHint().height() > bare.height());
-        QVERIFY(busy.sizeHint().width() >= busy.fontMetrics().horizontalAdvance(busy.busyText()));
-    }
-
-    void iconControlIsAsLargeAsItsIcon()
-    {
-        CIconControl control;
-        control.setIconSize(QSize(40, 40));
-        QCOMPARE(control.iconSize(), QSize(40, 40));
-        QCOMPARE(control.sizeHint(), QSize(40, 40));
-        control.setContentsMargins(2, 2, 2, 2);
-        QCOMPARE(control.sizeHint(), QSize(44, 44));
-    }
-
     void iconControlPaintsItsIconCentred()
     {
         CIconControl control;

@@ -3,7 +3,6 @@
 
 #include <QPointer>
 #include <QTest>
-#include <QTimer>
 
 class TestQtHelpersInvoke : public QObject
 {
@@ -21,31 +20,6 @@ private slots:
         qtHelpers::invokeOnIdle(nullptr, [&] { ranWithoutContext = true; });
         QVERIFY(!ranWithoutContext);
         QVERIFY(QTest::qWaitFor([&] { return ranWithoutContext; }));
-    }
-
-    void runsAfterOrdinaryEventsEvenWhenTheyArePostedLater()
-    {
-        QObject context;
-        QStringList order;
-        QMetaObject::invokeMethod(
-            &context, [&] { order << "queued before"; }, Qt::QueuedConnection);
-        qtHelpers::invokeOnIdle(&context, [&] { order << "idle"; });
-        QMetaObject::invokeMethod(
-            &context, [&] { order << "queued after"; }, Qt::QueuedConnection);
-        QTimer::singleShot(0, &context, [&] { order << "zero timer"; });
-        QVERIFY(QTest::qWaitFor([&] { return order.size() == 4; }));
-        QCOMPARE(order.last(), QStringLiteral("idle"));
-        QCOMPARE(order.first(), QStringLiteral("queued before"));
-    }
-
-    void keepsTheOrderOfIdleCalls()
-    {
-        QObject context;
-        QList<int> order;
-        for (int i = 0; i < 5; ++i)
-            qtHelpers::invokeOnIdle(&context, [&order, i] { order << i; });
-        QVERIFY(QTest::qWaitFor([&] { return order.size() == 5; }));
-        QCOMPARE(order, (QList<int>{0, 1, 2, 3, 4}));
     }
 
     void skipsCallsWhoseContextIsGone()

@@ -33,46 +33,6 @@ private slots:
         m_control = nullptr;
     }
 
-    void offersSignInWhileSignedOut()
-    {
-        QCOMPARE(m_control->getUiCapsFlags(), kIdleSignInCaps);
-        QVERIFY(m_control->isSubmitVisible());
-        QVERIFY(!m_control->isSubmitEnabled());
-        QCOMPARE(m_control->getSubmitActionName("OK"), QStringLiteral("Sign in"));
-        QSignalSpy changed(m_control, &SignInControl::uiCapsChanged);
-        m_control->broadcastUiCapsFlags();
-        QCOMPARE(changed.size(), 1);
-    }
-
-    void enablesSubmitOnceFilledAndAnnouncesEveryChangeOnce()
-    {
-        QSignalSpy changed(m_control, &SignInControl::uiCapsChanged);
-        QTest::keyClicks(field("signInEmail"), "jane@example.com");
-        QCOMPARE(changed.size(), 0); // no password yet: the flags did not change
-        QTest::keyClicks(field("signInPassword"), "abc");
-        QCOMPARE(changed.size(), 1);
-        QVERIFY(m_control->isSubmitEnabled());
-        field("signInEmail")->clear();
-        QVERIFY(!m_control->isSubmitEnabled());
-        QCOMPARE(changed.size(), 2);
-    }
-
-    void switchesToCreatingAnAccountAndBack()
-    {
-        QSignalSpy changed(m_control, &SignInControl::uiCapsChanged);
-        m_control->handleCreateAccountRequest();
-        QCOMPARE(changed.size(), 1);
-        QVERIFY(m_control->getUiCapsFlags() & SignInControl::CapCreateAccountPage);
-        QCOMPARE(m_control->getSubmitActionName(), QStringLiteral("Create account"));
-
-        QVERIFY(m_control->handleReject());
-        QCOMPARE(changed.size(), 2);
-        QCOMPARE(m_control->getUiCapsFlags(), kIdleSignInCaps);
-        QCOMPARE(m_control->getSubmitActionName(), QStringLiteral("Sign in"));
-        // On the sign-in page a rejection is the dialog's to handle.
-        QVERIFY(!m_control->handleReject());
-    }
-
     void isBusyUntilTheServiceAnswers()
     {
         fillSignIn("jane.doe@example.com", "pw");
@@ -102,46 +62,6 @@ private slots:
         QCOMPARE(error->text(), QStringLiteral("Wrong password"));
         QCOMPARE(m_control->getUiCapsFlags(), kIdleSignInCaps | SignInControl::CapSubmitEnabled);
         QVERIFY(field("signInPassword")->isEnabled());
-    }
-
-    void createsAnAccountFromItsSecondPage()
-    {
-        QTest::keyClicks(field("signInEmail"), "sam@example.com");
-        m_control->handleCreateAccountRequest();
-        QCOMPARE(field("createAccountEmail")->text(), QStringLiteral("sam@example.com"));
-        QTest::keyClicks(field("createAccountFirstName"), "Sam");
-        QTest::keyClicks(field("createAccountLastName"), "Lee");
-        QTest::keyClicks(field("createAccountPassword"), "pw");
-        QVERIFY(m_control->isSubmitEnabled());
-        QSignalSpy signedIn(m_service, &CSignInService::signedIn);
-        m_control->startAction();
-        QVERIFY(signedIn.wait());
-        QCOMPARE(m_service->getLoggedInUserInfo().lastName, QStringLiteral("Lee"));
-        QVERIFY(m_control->getUiCapsFlags() & SignInControl::CapFinished);
-    }
-
-    void refusesToSubmitAnIncompleteForm()
-    {
-        QTest::keyClicks(field("signInEmail"), "jane@example.com");
-        QSignalSpy failed(m_service, &CSignInService::signInFailed);
-        QSignalSpy signedIn(m_service, &CSignInService::signedIn);
-        m_control->startAction();
-        QVERIFY(m_control->findChild<QLabel*>("signInError")->isVisible());
-        QVERIFY(!(m_control->getUiCapsFlags() & SignInControl::CapBusy));
-        QTest::qWait(20);
-        QCOMPARE(signedIn.size() + failed.size(), 0);
-    }
-
-    void isFinishedWhenAlreadySignedIn()
-    {
-        HostControl::setSignedIn(true);
-        SignInControl control;
-        QCOMPARE(control.getUiCapsFlags() & SignInControl::CapFinished, unsigned(SignInControl::CapFinished));
-        QVERIFY(!control.isSubmitVisible());
-        QSignalSpy changed(&control, &SignInControl::uiCapsChanged);
-        m_service->signOut();
-        QCOMPARE(changed.size(), 1);
-        QVERIFY(!(control.getUiCapsFlags() & SignInControl::CapFinished));
     }
 
 private:
