@@ -280,16 +280,14 @@ void CConversationView::onMessagesLoaded(const EntityDto::EntityDto& ticket,
     if (fresh)
         m_document.setTextWidth(width);
     // A reload that changed nothing shown leaves the reader where they are.
-    if (!fresh && applied == 0) {
-        emit threadLoaded(m_threadId);
-        return;
+    if (fresh || applied > 0) {
+        qtHelpers::invokeOnIdle(this, [this] {
+            scrollToEnd();
+            // A view that the newest messages do not fill has nothing to scroll: it gets older ones at once.
+            if (m_thread && m_thread->verticalScrollBar()->maximum() == 0)
+                onScrolled(0);
+        });
     }
-    qtHelpers::invokeOnIdle(this, [this] {
-        scrollToEnd();
-        // A view that the newest messages do not fill has nothing to scroll: it gets older ones at once.
-        if (m_thread && m_thread->verticalScrollBar()->maximum() == 0)
-            onScrolled(0);
-    });
     emit threadLoaded(m_threadId);
 }
 
