@@ -33,17 +33,15 @@ void CThreadPlaceholder::update(bool loading, bool hasMessages)
     if (!hasMessages)
         text = loading ? QObject::tr("Loading the conversation…")
                        : QObject::tr("There are no messages in this conversation yet.");
+    // Called on every change of the document, progress ticks included: nothing to do most of the time.
+    if (text == m_label->text() && m_label->isHidden() == text.isEmpty())
+        return;
     m_label->setText(text);
     m_label->setVisible(!text.isEmpty());
     // Screen readers find the reason in the view's description.
     if (m_view)
         m_view->setAccessibleDescription(text);
     place();
-}
-
-QString CThreadPlaceholder::text() const
-{
-    return m_label && m_label->isVisibleTo(m_label->parentWidget()) ? m_label->text() : QString();
 }
 
 bool CThreadPlaceholder::eventFilter(QObject* watched, QEvent* event)

@@ -16,8 +16,6 @@ public:
 
     // What the view shows now: whether a load runs and whether the thread has any message.
     void update(bool loading, bool hasMessages);
-    // The text shown, empty while hidden.
-    QString text() const;
 
 private:
     bool eventFilter(QObject* watched, QEvent* event) override;
