@@ -14,7 +14,6 @@
 #include <QSignalSpy>
 #include <QStackedWidget>
 #include <QTextEdit>
-#include <QTimer>
 #include <QToolButton>
 
 namespace {
@@ -86,30 +85,6 @@ private slots:
         // White space alone is nothing to send.
         screen.editor->setPlainText("   \n  ");
         QVERIFY(!screen.canSend());
-    }
-
-    void writeUsLinkFollowsTheTicketSystem_data()
-    {
-        QTest::addColumn<bool>("zendesk");
-        QTest::newRow("own tickets") << false;
-        QTest::newRow("Zendesk") << true;
-    }
-
-    void writeUsLinkFollowsTheTicketSystem()
-    {
-        QFETCH(bool, zendesk);
-        HostControl::setAllowed("allowUseIncidents", true);
-        HostControl::setAllowed("useZendeskTickets", zendesk);
-        LoadedScreen screen;
-        auto* label = screen.control<QLabel>("writeUsLabel");
-        QCOMPARE(label->text().isEmpty(), zendesk);
-        // Close the dialog from inside its own event loop, should one open.
-        QTimer::singleShot(0, this, [] {
-            if (QWidget* dialog = QApplication::activeModalWidget())
-                dialog->close();
-        });
-        emit label->linkActivated("#write");
-        QCOMPARE(HostControl::events("dialogExecuted").size(), zendesk ? 0 : 1);
     }
 
     void theComposerGrowsWithItsTextUpToAboutTenLines()

@@ -187,15 +187,22 @@ private slots:
         QVERIFY(button->isVisible());
         QCOMPARE(button->accessibleName(), QStringLiteral("New conversation"));
 
-        // Ctrl+N anywhere on the page opens the dialog; closing it leaves everything as it was.
-        QString dialogTitle;
-        whenDialogOpens(this, [&dialogTitle](CNewIncidentDialog* dialog) {
-            dialogTitle = dialog->windowTitle();
-            dialog->close();
-        });
+        // Ctrl+N anywhere on the page and each write-us link open the dialog; closing it changes nothing.
+        QStringList titles;
+        const auto closeDialog = [this, &titles] {
+            whenDialogOpens(this, [&titles](CNewIncidentDialog* dialog) {
+                titles << dialog->windowTitle();
+                dialog->close();
+            });
+        };
+        closeDialog();
         QTest::keyClick(screen.thread(), Qt::Key_N, Qt::ControlModifier);
-        QCOMPARE(HostControl::events(QStringLiteral("dialogExecuted")).size(), 1);
-        QCOMPARE(dialogTitle, QStringLiteral("Write us a message"));
+        for (const char* link : {"writeUsLabel", "folderWriteUsLabel", "noThreadWriteUsLabel"}) {
+            closeDialog();
+            emit screen.control<QLabel>(link)->linkActivated(QStringLiteral("#write"));
+        }
+        QCOMPARE(HostControl::events(QStringLiteral("dialogExecuted")).size(), 4);
+        QCOMPARE(titles, QStringList(4, QStringLiteral("Write us a message")));
 
         // After OK the new conversation is selected and the page confirms the request with what was asked.
         whenDialogOpens(this, [](CNewIncidentDialog* dialog) {
@@ -229,6 +236,7 @@ private slots:
             QVERIFY2(screen.control<QLabel>(link)->text().isEmpty(), link);
         QVERIFY(!screen.control<QToolButton>("newConversationButton")->isVisible());
         QTest::keyClick(screen.thread(), Qt::Key_N, Qt::ControlModifier);
+        emit screen.control<QLabel>("writeUsLabel")->linkActivated(QStringLiteral("#write"));
         QVERIFY(HostControl::events(QStringLiteral("dialogExecuted")).isEmpty());
     }
 
