@@ -27,15 +27,16 @@ CThreadPlaceholder::CThreadPlaceholder(QTextBrowser* view)
 
 void CThreadPlaceholder::update(bool loading, bool hasMessages)
 {
-    if (!m_label)
-        return;
-    QString text;
-    if (!hasMessages)
-        text = loading ? QObject::tr("Loading the conversation…")
-                       : QObject::tr("There are no messages in this conversation yet.");
+    const Reason reason = hasMessages ? Reason::None : (loading ? Reason::Loading : Reason::Empty);
     // Called on every change of the document, progress ticks included: nothing to do most of the time.
-    if (text == m_label->text() && m_label->isHidden() == text.isEmpty())
+    if (!m_label || reason == m_shown)
         return;
+    m_shown = reason;
+    QString text;
+    if (reason == Reason::Loading)
+        text = QObject::tr("Loading the conversation…");
+    else if (reason == Reason::Empty)
+        text = QObject::tr("There are no messages in this conversation yet.");
     m_label->setText(text);
     m_label->setVisible(!text.isEmpty());
     // Screen readers find the reason in the view's description.

@@ -21,6 +21,14 @@ private:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void place();
 
+    enum class Reason
+    {
+        None,
+        Loading,
+        Empty,
+    };
+
     QPointer<QTextBrowser> m_view;
     QPointer<QLabel> m_label;
+    Reason m_shown = Reason::None;
 };

@@ -40,13 +40,13 @@ void CWriteUsOffers::attach(QWidget* view, QObject* context, const std::function
     }
     for (QLabel* link : std::as_const(links)) {
         link->setAccessibleName(QObject::tr("Write us a message"));
-        QObject::connect(link, &QLabel::linkActivated, context, [open] { open(); });
+        QObject::connect(link, &QLabel::linkActivated, context, open);
     }
     if (button) {
         button->setAccessibleName(QObject::tr("New conversation"));
-        QObject::connect(button, &QToolButton::clicked, context, [open] { open(); });
+        QObject::connect(button, &QToolButton::clicked, context, open);
     }
     auto* shortcut = new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_N), view);
     shortcut->setContext(Qt::WidgetWithChildrenShortcut);
-    QObject::connect(shortcut, &QShortcut::activated, context, [open] { open(); });
+    QObject::connect(shortcut, &QShortcut::activated, context, open);
 }
