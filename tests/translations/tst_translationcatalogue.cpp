@@ -1,49 +1,12 @@
 // The German catalogue is complete, keeps every argument marker, and the compiled file translates.
+#include "CatalogueReader.h"
 #include "HostTestMain.h"
 
 #include <QDir>
-#include <QFile>
 #include <QRegularExpression>
 #include <QTranslator>
-#include <QXmlStreamReader>
 
 namespace {
-
-struct Message
-{
-    QString context;
-    QString source;
-    QString translation;
-    bool finished = true;
-};
-
-QList<Message> readCatalogue(const QString& path)
-{
-    QList<Message> messages;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return messages;
-    QXmlStreamReader xml(&file);
-    QString context;
-    Message current;
-    while (!xml.atEnd()) {
-        xml.readNext();
-        if (!xml.isStartElement())
-            continue;
-        if (xml.name() == QLatin1String("name")) {
-            context = xml.readElementText();
-        } else if (xml.name() == QLatin1String("message")) {
-            current = Message{context, {}, {}, true};
-        } else if (xml.name() == QLatin1String("source")) {
-            current.source = xml.readElementText();
-        } else if (xml.name() == QLatin1String("translation")) {
-            current.finished = xml.attributes().value(QLatin1String("type")).isEmpty();
-            current.translation = xml.readElementText();
-            messages << current;
-        }
-    }
-    return messages;
-}
 
 QStringList markers(const QString& text)
 {
@@ -64,16 +27,29 @@ class TestTranslationCatalogue : public QObject
 private slots:
     void germanCatalogueIsCompleteAndKeepsArguments()
     {
-        const QList<Message> messages =
-            readCatalogue(QStringLiteral(NEWSREADER_SOURCE_DIR "/translations/newsReader_de.ts"));
+        const QList<CatalogueReader::Message> messages =
+            CatalogueReader::read(QStringLiteral(NEWSREADER_SOURCE_DIR "/translations/newsReader_de.ts"));
         QVERIFY(messages.size() > 20);
-        for (const Message& message : messages) {
+        for (const CatalogueReader::Message& message : messages) {
             QCOMPARE(message.context, QStringLiteral("QObject"));
             QVERIFY2(message.finished && !message.translation.isEmpty(), qPrintable(message.source));
             // "%s" in a source is not an argument marker; its translation may take the list as "%1".
             if (message.source.contains(QStringLiteral("%s")))
                 continue;
             QVERIFY2(markers(message.source) == markers(message.translation), qPrintable(message.source));
+        }
+    }
+
+    void everyFormTextHasAGermanTranslation()
+    {
+        const QSet<QString> translated = CatalogueReader::untranslatedLooks(
+            QStringLiteral(NEWSREADER_SOURCE_DIR "/translations/newsReader_de.ts"));
+        for (const char* form : {"newsReader.mainScreen.ui", "communications.createIncident.ui"}) {
+            const QStringList texts = CatalogueReader::formTexts(
+                QStringLiteral(NEWSREADER_SOURCE_DIR "/host/baseLib/forms/") + QLatin1String(form));
+            QVERIFY(!texts.isEmpty());
+            for (const QString& text : texts)
+                QVERIFY2(translated.contains(text), qPrintable(QStringLiteral("%1: %2").arg(form, text)));
         }
     }
 
