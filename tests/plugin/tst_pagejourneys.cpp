@@ -22,17 +22,7 @@
 namespace {
 
 constexpr int kNoThreadPage = 2;
-constexpr int kOverduePage = 0;
 constexpr int kRequestReceivedPage = 1;
-
-QJsonObject waitingConversation(const QString& id, const QString& created)
-{
-    return {{QStringLiteral("id"), id},
-            {QStringLiteral("subject"), QStringLiteral("Scanner ignores the second tray")},
-            {QStringLiteral("created"), created},
-            {QStringLiteral("hasThread"), false},
-            {QStringLiteral("firstMessage"), QStringLiteral("Since the update only tray one is scanned.")}};
-}
 
 // Runs `fill` on the modal dialog from inside its own event loop, once it is open.
 void whenDialogOpens(QObject* context, std::function<void(CNewIncidentDialog*)> fill)
@@ -198,22 +188,6 @@ private slots:
         QTest::keyClick(screen.thread(), Qt::Key_N, Qt::ControlModifier);
         emit screen.control<QLabel>("writeUsLabel")->linkActivated(QStringLiteral("#write"));
         QVERIFY(HostControl::events(QStringLiteral("dialogExecuted")).isEmpty());
-    }
-
-    void aRequestWithoutAnswerShowsWhatWasAsked()
-    {
-        HostControl::addConversation(waitingConversation(QStringLiteral("conv-tray"), QStringLiteral("-2d")));
-        ConversationScreen screen;
-        QTRY_VERIFY(screen.model()->indexForKey(QStringLiteral("conv-tray")).isValid());
-        screen.select(QStringLiteral("conv-tray"));
-        QTRY_COMPARE(screen.control<QStackedWidget>("stackedWidget")->currentIndex(), kNoThreadPage);
-        QCOMPARE(screen.control<QStackedWidget>("noThreadStack")->currentIndex(), kOverduePage);
-        QCOMPARE(screen.control<QLabel>("noThreadSubject")->text(),
-                 QStringLiteral("Scanner ignores the second tray"));
-        QCOMPARE(screen.control<QLabel>("noThreadFirstMessage")->text(),
-                 QStringLiteral("Since the update only tray one is scanned."));
-        QCOMPARE(screen.control<QLabel>("noMessagesLabel")->text(),
-                 QStringLiteral("Support has not answered yet. You will find the answer here."));
     }
 
     void theThreadSaysWhileItLoads()

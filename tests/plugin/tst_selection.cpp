@@ -39,7 +39,11 @@ QJsonObject urgentNews(const QString& id, const QString& title, const QString& p
 
 QJsonObject conversation(const QString& id, const QString& created, bool hasThread = false)
 {
-    return {{"id", id}, {"subject", "Printer offline"}, {"hasThread", hasThread}, {"created", created}};
+    return {{"id", id},
+            {"subject", "Printer offline"},
+            {"hasThread", hasThread},
+            {"created", created},
+            {"firstMessage", "It stopped printing this morning."}};
 }
 
 // The plugin with its view shown, wired to a minimal navigation tree: what the plugin asks the host to
@@ -167,6 +171,12 @@ private slots:
         if (hasThread)
             return;
         QCOMPARE(screen.page("noThreadStack"), noThreadPage);
+        // Until support answers, the page repeats what the user asked.
+        QCOMPARE(screen.labelText("noThreadSubject"), "Printer offline");
+        QCOMPARE(screen.labelText("noThreadFirstMessage"), "It stopped printing this morning.");
+        if (noThreadPage == 0)
+            QCOMPARE(screen.labelText("noMessagesLabel"),
+                     "Support has not answered yet. You will find the answer here.");
         // The list is not empty, but the no-thread page leaves the host's list side alone.
         QVERIFY(HostControl::events("hideEmptyList").isEmpty());
         QCOMPARE(screen.labelText("issueCreateDate"),
