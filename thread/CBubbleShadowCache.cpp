@@ -27,13 +27,13 @@ qreal settledSide(qreal corner)
 bool CBubbleShadowCache::Key::operator==(const Key& other) const
 {
     return width == other.width && height == other.height && radii == other.radii && page == other.page &&
-           devicePixelRatio == other.devicePixelRatio;
+           bubble == other.bubble && devicePixelRatio == other.devicePixelRatio;
 }
 
 size_t qHash(const CBubbleShadowCache::Key& key, size_t seed)
 {
     return qHashMulti(seed, key.width, key.height, key.radii[0], key.radii[1], key.radii[2], key.radii[3],
-                      key.page, key.devicePixelRatio);
+                      key.page, key.bubble, key.devicePixelRatio);
 }
 
 CBubbleShadowCache::CBubbleShadowCache(const QMarginsF& reach, int maxBytes)
@@ -51,7 +51,8 @@ QSizeF CBubbleShadowCache::tileBubbleSize(const QSizeF& size, const Radii& radii
 }
 
 QImage CBubbleShadowCache::render(const QSizeF& size, const QMarginsF& reach, const QColor& page,
-                                  qreal devicePixelRatio, const ShapePainter& paintShape)
+                                  const QColor& bubble, qreal devicePixelRatio,
+                                  const ShapePainter& paintShape)
 {
     const QSizeF blurredSize = size.grownBy(QMarginsF(Margin, Margin, Margin, Margin));
     QImage blurred((blurredSize * devicePixelRatio).toSize(), QImage::Format_ARGB32_Premultiplied);
@@ -79,18 +80,22 @@ QImage CBubbleShadowCache::render(const QSizeF& size, const QMarginsF& reach, co
     painter.setRenderHint(QPainter::Antialiasing);
     painter.drawImage(QRectF(QPointF(0, 0), paintedSize), blurred,
                       QRectF(source.topLeft() * devicePixelRatio, source.size() * devicePixelRatio));
+    if (bubble.isValid())
+        paintShape(&painter, QRectF(QPointF(reach.left(), reach.top()), size), bubble);
     return tile;
 }
 
 QImage CBubbleShadowCache::tile(const QSizeF& size, const Radii& radii, const QColor& page,
-                                qreal devicePixelRatio, const ShapePainter& paintShape)
+                                const QColor& bubble, qreal devicePixelRatio, const ShapePainter& paintShape)
 {
-    const QSizeF bubble = tileBubbleSize(size, radii);
-    const Key key{bubble.width(), bubble.height(), radii, page.rgba(), devicePixelRatio};
+    const QSizeF tileSize = tileBubbleSize(size, radii);
+    const Key key{
+        tileSize.width(), tileSize.height(), radii, page.rgba(), bubble.isValid() ? bubble.rgba() : 0,
+        devicePixelRatio};
     if (const QImage* cached = m_tiles.object(key))
         return *cached;
     ++m_misses;
-    QImage image = render(bubble, m_reach, page, devicePixelRatio, paintShape);
+    QImage image = render(tileSize, m_reach, page, bubble, devicePixelRatio, paintShape);
     const qsizetype bytes = image.sizeInBytes();
     // A tile larger than the whole cache is simply not kept; QCache deletes it.
     m_tiles.insert(key, new QImage(image), qMin<qsizetype>(bytes, std::numeric_limits<int>::max()));

@@ -1,7 +1,9 @@
 #pragma once
 // Keeps small blurred shadow tiles of message bubbles. Away from its corners a blurred rounded rectangle is
-// the same along each edge, so one tile per corner radii, page colour and device pixel ratio serves bubbles
-// of every size: it is drawn in nine pieces (CNinePatch) and its middle row and column are stretched.
+// the same along each edge, so one tile per corner radii, page colour, bubble colour and device pixel ratio
+// serves bubbles of every size: it is drawn in nine pieces (CNinePatch) and its middle row and column are
+// stretched. A tile may carry the bubble itself on its shadow, so that painting a bubble costs the nine
+// pieces and nothing more.
 // Only a bubble smaller than a tile gets a tile of its own size. The tile holds exactly the area painted
 // around a bubble of its size (the bubble grown by `reach`), as a fresh computation would give it; blurring
 // an image as large as the bubble made tall messages cost seconds and gigabytes per paint.
@@ -33,16 +35,17 @@ public:
     explicit CBubbleShadowCache(const QMarginsF& reach, int maxBytes = DefaultMaxBytes);
 
     // The tile for a bubble of `size`: the painted area of a bubble of tileBubbleSize(size, radii), with the
-    // given device pixel ratio.
-    QImage tile(const QSizeF& size, const Radii& radii, const QColor& page, qreal devicePixelRatio,
-                const ShapePainter& paintShape);
+    // given device pixel ratio; with the bubble filled in `bubble` on its shadow when that is valid.
+    QImage tile(const QSizeF& size, const Radii& radii, const QColor& page, const QColor& bubble,
+                qreal devicePixelRatio, const ShapePainter& paintShape);
 
     // The bubble size whose shadow a tile holds: `size`, limited in each direction to twice the largest
     // corner radius plus the distance it takes the blur to settle (and the fraction of a pixel of `size`).
     static QSizeF tileBubbleSize(const QSizeF& size, const Radii& radii);
 
-    // Computes the painted area of a bubble of `size` afresh: the shape, blurred, offset by the reach.
-    static QImage render(const QSizeF& size, const QMarginsF& reach, const QColor& page,
+    // Computes the painted area of a bubble of `size` afresh: the shape, blurred, offset by the reach, and
+    // the bubble filled in `bubble` on it when that is valid.
+    static QImage render(const QSizeF& size, const QMarginsF& reach, const QColor& page, const QColor& bubble,
                          qreal devicePixelRatio, const ShapePainter& paintShape);
 
     int count() const { return m_tiles.count(); }
@@ -60,6 +63,7 @@ private:
         qreal height;
         Radii radii;
         QRgb page;
+        QRgb bubble; // 0 for a shadow alone
         qreal devicePixelRatio;
         bool operator==(const Key& other) const;
     };

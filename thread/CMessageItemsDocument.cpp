@@ -6,6 +6,7 @@
 #include "CFrameTreeSplicer.h"
 #include "CMarkdownInserter.h"
 #include "CMessageBody.h"
+#include "CMessageGroups.h"
 #include "CResourceGuard.h"
 #include "CShellImageList.h"
 #include "CVantrelApp.h"
@@ -229,32 +230,19 @@ bool CMessageItemsDocument::isHtmlBody(const QString& body)
 
 CMessageItemIndex CMessageItemsDocument::appendMessage(const CIncidentCommunication& message)
 {
-    // A cursor made from a block does not ask the layout for the block's lines, as a cursor made at a
-    // position does; while a thread is being built its layout is not done yet, and asking would lay it out
-    // every time.
-    const QTextBlock last = lastBlock();
-    if (last.isValid() && last.length() == 1 && frameAt(last.position()) == rootFrame())
-        return insertMessage(message, QTextCursor(last), true);
-    return insertMessage(message, rootFrame()->lastCursorPosition(), true);
+    return insertMessage(message, CMessageGroups::endCursor(this), true);
 }
 
 CMessageItemIndex CMessageItemsDocument::prependMessage(const CIncidentCommunication& message)
 {
-    QTextFrame* first = firstMessageFrame();
-    if (!first)
+    if (!firstMessageFrame())
         return appendMessage(message);
-    // Into the empty block before the first table. A cursor made from the block asks nothing of the
-    // layout, which may be in the middle of an edit.
-    return insertMessage(message, QTextCursor(QTextDocument::findBlock(first->firstPosition() - 1)), true);
+    return insertMessage(message, CMessageGroups::startCursor(this), true);
 }
 
 QTextFrame* CMessageItemsDocument::firstMessageFrame() const
 {
-    for (auto it = rootFrame()->begin(); !it.atEnd(); ++it) {
-        if (QTextFrame* frame = it.currentFrame())
-            return frame;
-    }
-    return nullptr;
+    return CMessageGroups::firstMessage(this);
 }
 
 CMessageItemIndex CMessageItemsDocument::insertMessage(const CIncidentCommunication& message,
@@ -325,6 +313,8 @@ CMessageItemIndex CMessageItemsDocument::insertMessage(const CIncidentCommunicat
     CMessageItemIndex result{table, message};
     if (registerIt && table && !message.id.isEmpty())
         m_register.add(result);
+    else if (table)
+        m_register.addUnregistered(result);
     emit contentsChanged();
     return result;
 }
@@ -532,8 +522,8 @@ void CMessageItemsDocument::removeMessage(const CMessageItemIndex& index)
     cursor.beginEditBlock();
     cursor.deleteChar();
     frameTree.detached();
+    m_register.forget(index);
     cursor.endEditBlock();
-    m_register.remove(index.message.id);
 }
 
 CMessageItemIndex CMessageItemsDocument::messageIndex(const QString& id) const
@@ -575,9 +565,7 @@ void CMessageItemsDocument::updatePartyNames(std::function<WatcherAliases(const 
 
 QTextCursor CMessageItemsDocument::endCursor()
 {
-    QTextCursor cursor(this);
-    cursor.movePosition(QTextCursor::End);
-    return cursor;
+    return CMessageGroups::endCursor(this);
 }
 
 QRectF CMessageItemsDocument::frameRect(const CMessageItemIndex& index) const
@@ -608,9 +596,7 @@ QRectF CMessageItemsDocument::attachmentRect(const QString& attachmentId) const
             }
             return false;
         };
-        const CMessageItemIndex holder = m_register.holderOf(attachmentId);
-        block = holder.isValid() ? findBlock(holder.frame, kBubbleColumn, showsThumbnail)
-                                 : findInDocument(showsThumbnail);
+        block = findBlock(m_register.holderOf(attachmentId).frame, kBubbleColumn, showsThumbnail);
     }
     return block.isValid() ? documentLayout()->blockBoundingRect(block) : QRectF();
 }
@@ -633,14 +619,16 @@ void CMessageItemsDocument::setDeliveryStatusForFrame(QTextTable* table, Deliver
         return id && id->kind == CBlockIdentification::MessageFooter;
     });
     if (footer.isValid()) {
-        // Moved inside an edit block, so that the cursor does not ask the layout where it stands.
-        QTextCursor cursor(footer);
-        cursor.beginEditBlock();
-        cursor.setPosition(footer.position() + footer.length() - 2);
-        cursor.setPosition(footer.position() + footer.length() - 1, QTextCursor::KeepAnchor);
-        insertDeliveryStatus(cursor, status);
-        writeNotSentNote(cursor, footer, status == DeliveryFailed, sendAgainLink);
-        cursor.endEditBlock();
+        // From pending to delivered the mark changes in place, without laying the thread out again.
+        replaceLastCharacter(footer, deliveryImage(status));
+        const bool noted = footer.text().contains(QChar::LineSeparator);
+        if (noted || status == DeliveryFailed) {
+            // Moved inside an edit block, so that the cursor does not ask the layout where it stands.
+            QTextCursor cursor(footer);
+            cursor.beginEditBlock();
+            writeNotSentNote(cursor, footer, status == DeliveryFailed, sendAgainLink);
+            cursor.endEditBlock();
+        }
     }
     // The failure tint deliberately outlives later states: it goes only when the message's table is rebuilt.
     if (status == DeliveryFailed) {
@@ -682,6 +670,11 @@ void CMessageItemsDocument::writeNotSentNote(QTextCursor& cursor, const QTextBlo
 
 void CMessageItemsDocument::insertDeliveryStatus(QTextCursor& cursor, DeliveryStatus status)
 {
+    cursor.insertImage(deliveryImage(status));
+}
+
+QTextImageFormat CMessageItemsDocument::deliveryImage(DeliveryStatus status)
+{
     QString name;
     switch (status) {
     case NotDelivered:
@@ -699,7 +692,7 @@ void CMessageItemsDocument::insertDeliveryStatus(QTextCursor& cursor, DeliverySt
     format.setWidth(kStatusImageSize);
     format.setHeight(kStatusImageSize);
     format.setName(name);
-    cursor.insertImage(format);
+    return format;
 }
 
 // --- attachment tiles --------------------------------------------------------------------------------------
@@ -904,13 +897,11 @@ QTextBlock CMessageItemsDocument::findBlock(QTextTable* table, int column,
 
 QTextBlock CMessageItemsDocument::findInDocument(const BlockPredicate& predicate) const
 {
-    const QList<QTextFrame*> frames = rootFrame()->childFrames();
-    for (QTextFrame* frame : frames) {
-        if (auto* table = qobject_cast<QTextTable*>(frame)) {
-            const QTextBlock found = findBlock(table, kBubbleColumn, predicate);
-            if (found.isValid())
-                return found;
-        }
+    const QList<QTextTable*> tables = CMessageGroups::messages(this);
+    for (QTextTable* table : tables) {
+        const QTextBlock found = findBlock(table, kBubbleColumn, predicate);
+        if (found.isValid())
+            return found;
     }
     return {};
 }
@@ -942,8 +933,6 @@ QTextBlock CMessageItemsDocument::findAttachmentBlock(const QString& attachmentI
         const CBlockIdentification* id = identificationOf(block);
         return id && id->kind == kind && id->attachment.id == attachmentId;
     };
-    if (!m_register.holdsAttachment(attachmentId))
-        return findInDocument(isTileBlock);
     const CMessageItemIndex holder = m_register.holderOf(attachmentId);
     return holder.isValid() ? findBlock(holder.frame, kBubbleColumn, isTileBlock) : QTextBlock();
 }

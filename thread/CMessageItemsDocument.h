@@ -1,9 +1,10 @@
 #pragma once
 // The rich-text document that shows one support conversation as a column of chat bubbles. Every message is
-// one two-column table in the root frame (avatar and bubble); the document remembers per message id where
-// that table is, so that the plugin can later replace, remove or update a message, mark its delivery state
-// and show attachment progress and thumbnails in it. It installs its own layout, which paints the rounded
-// bubbles and draws its images. Owned by the plugin; reports no errors (unknown messages are ignored).
+// one two-column table (avatar and bubble), kept in runs under plain frames (CMessageGroups); the document
+// remembers per message id where that table is, so that the plugin can later replace, remove or update a
+// message, mark its delivery state and show attachment progress and thumbnails in it. It installs its own
+// layout, which paints the rounded bubbles and draws its images. Owned by the plugin; reports no errors
+// (unknown messages are ignored).
 
 #include "CMessageItemIndex.h"
 #include "CMessageRegister.h"
@@ -57,6 +58,7 @@ public:
     CMessageItemIndex findOlderVersion(const CIncidentCommunication& message) const;
     void updatePartyNames(std::function<WatcherAliases(const QString& authorId)> aliasesOf);
 
+    // Where a message inserted comes last.
     QTextCursor endCursor();
     QRectF frameRect(const CMessageItemIndex& index) const;
     QRectF anchorRect(const QString& href) const;
@@ -115,6 +117,7 @@ private:
                                    const QString& sendAgainLink = QString());
     void writeNotSentNote(QTextCursor& cursor, const QTextBlock& footer, bool failed, const QString& link);
     void insertDeliveryStatus(QTextCursor& cursor, DeliveryStatus status);
+    static QTextImageFormat deliveryImage(DeliveryStatus status);
     QString makeProgressImage(int percent, const QString& fileName, bool cancellable);
     bool hasImage(const QString& name) const;
 
@@ -128,9 +131,9 @@ private:
     QTextBlock findAttachmentIconBlock(const QString& attachmentId) const;
     QTextTable* findAttachmentTable(const CMessageItemIndex& index, const QString& attachmentId) const;
 
-    // The block of kind `kind` for the attachment: looked up in the message that holds it, and only for an
-    // attachment no registered message holds, in the whole document.
     void replaceLastCharacter(const QTextBlock& block, const QTextImageFormat& image);
+    // The block of kind `kind` for the attachment, looked up in the message that holds it; none when no
+    // message shown holds it.
     QTextBlock findAttachmentBlock(const QString& attachmentId, int kind) const;
 
     CMessageRegister m_register;

@@ -27,11 +27,30 @@ void CMessageRegister::remove(const QString& id)
     m_messages.erase(found);
 }
 
+void CMessageRegister::addUnregistered(const CMessageItemIndex& index)
+{
+    for (const CIncidentAttachment& attachment : index.message.attachments) {
+        if (!attachment.id.isEmpty())
+            m_unregistered.insert(attachment.id, index);
+    }
+}
+
+void CMessageRegister::forget(const CMessageItemIndex& index)
+{
+    for (const CIncidentAttachment& attachment : index.message.attachments) {
+        const auto found = m_unregistered.constFind(attachment.id);
+        if (found != m_unregistered.cend() && (found->frame == index.frame || !found->isValid()))
+            m_unregistered.erase(found);
+    }
+    remove(index.message.id);
+}
+
 void CMessageRegister::clear()
 {
     m_messages.clear();
     m_versions.clear();
     m_attachments.clear();
+    m_unregistered.clear();
 }
 
 CMessageItemIndex CMessageRegister::olderVersion(const CIncidentCommunication& message) const
@@ -48,5 +67,8 @@ CMessageItemIndex CMessageRegister::olderVersion(const CIncidentCommunication& m
 CMessageItemIndex CMessageRegister::holderOf(const QString& attachmentId) const
 {
     const auto holder = m_attachments.constFind(attachmentId);
-    return holder == m_attachments.cend() ? CMessageItemIndex() : m_messages.value(*holder);
+    if (holder != m_attachments.cend())
+        return m_messages.value(*holder);
+    const CMessageItemIndex unregistered = m_unregistered.value(attachmentId);
+    return unregistered.isValid() ? unregistered : CMessageItemIndex();
 }

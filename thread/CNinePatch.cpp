@@ -29,7 +29,7 @@ CNinePatch::CNinePatch(const QImage& image)
     , m_row(image.height() / 2)
 {}
 
-void CNinePatch::draw(QPainter* painter, const QRectF& target, const QRectF& visible) const
+void CNinePatch::draw(QPainter* painter, const QRectF& target, const QRectF& visible, Centre centre) const
 {
     if (m_image.isNull() || target.isEmpty())
         return;
@@ -53,9 +53,12 @@ void CNinePatch::draw(QPainter* painter, const QRectF& target, const QRectF& vis
                 piece.setTop(std::max(piece.top(), visible.top()));
                 piece.setBottom(std::min(piece.bottom(), visible.bottom()));
             }
-            if (piece.width() <= 0 || piece.height() <= 0)
+            if (piece.width() <= 0 || piece.height() <= 0 ||
+                (visible.isValid() && !piece.intersects(visible)))
                 continue;
             if (row == 1 && column == 1) {
+                if (centre == Hollow)
+                    continue;
                 painter->fillRect(piece, m_image.pixelColor(m_column, m_row));
                 continue;
             }

@@ -14,9 +14,17 @@ class CNinePatch
 public:
     explicit CNinePatch(const QImage& image);
 
+    enum Centre
+    {
+        WithCentre,
+        // The centre is left out: something opaque is painted over it anyway.
+        Hollow,
+    };
+
     // Draws into `target` (logical coordinates). Only the part within `visible`, when that is valid, need be
-    // painted: the stretched pieces are cut down to it.
-    void draw(QPainter* painter, const QRectF& target, const QRectF& visible = QRectF()) const;
+    // painted: pieces outside it are left out and the stretched ones are cut down to it.
+    void draw(QPainter* painter, const QRectF& target, const QRectF& visible = QRectF(),
+              Centre centre = WithCentre) const;
 
 private:
     QImage m_image;

@@ -84,25 +84,24 @@ QTextDocumentLayout::QTextDocumentLayout(QTextDocument* document)
 
 QTextDocumentLayout::~QTextDocumentLayout() = default;
 
+QRectF QTextDocumentLayout::boundsOf(QTextFrame* frame) const
+{
+    if (auto* table = qobject_cast<QTextTable*>(frame))
+        return tableBoundingRect(table);
+    return frameBoundingRect(frame);
+}
+
 void QTextDocumentLayout::collectChildFrames(QTextFrame* frame, const QRectF& visible, qreal scale,
                                              std::vector<Background>& out) const
 {
+    // The children of the root frame and of the frames that group messages follow one another downwards, so
+    // the visible ones are found by bisection: a long thread is not walked from its top on every paint.
     const QList<QTextFrame*> children = frame->childFrames();
-    auto rectOf = [this](QTextFrame* child) {
-        if (auto* table = qobject_cast<QTextTable*>(child))
-            return tableBoundingRect(table);
-        return frameBoundingRect(child);
-    };
-    auto first = children.cbegin();
-    if (!frame->parentFrame()) {
-        // The root frame's children follow one another downwards, so the visible ones are found by bisection:
-        // a long thread is not walked from its top on every paint.
-        first = std::partition_point(children.cbegin(), children.cend(), [&](QTextFrame* child) {
-            return rectOf(child).bottom() < visible.top();
-        });
-    }
+    const auto first = std::partition_point(children.cbegin(), children.cend(), [&](QTextFrame* child) {
+        return boundsOf(child).bottom() < visible.top();
+    });
     for (auto it = first; it != children.cend(); ++it) {
-        if (!frame->parentFrame() && rectOf(*it).top() > visible.bottom())
+        if (boundsOf(*it).top() > visible.bottom())
             break;
         collectFrame(*it, visible, scale, out);
     }
@@ -386,47 +385,54 @@ QList<QTextTable*> QTextDocumentLayout::messageTablesIn(const QRectF& area)
         m_listNumbersPending = true;
         return tables;
     }
-    const QList<QTextFrame*> children = document()->rootFrame()->childFrames();
-    const auto first =
-        std::partition_point(children.cbegin(), children.cend(), [this, &area](QTextFrame* child) {
-            auto* table = qobject_cast<QTextTable*>(child);
-            return (table ? tableBoundingRect(table) : frameBoundingRect(child)).bottom() < area.top();
-        });
-    for (auto it = first; it != children.cend(); ++it) {
-        auto* table = qobject_cast<QTextTable*>(*it);
-        if (!table)
-            continue;
-        if (tableBoundingRect(table).top() > area.bottom())
-            break;
-        tables.append(table);
-    }
+    collectTables(document()->rootFrame(), area, tables);
     return tables;
+}
+
+// Messages lie in frames that group them, so the search goes down through those, bisecting at every level.
+void QTextDocumentLayout::collectTables(QTextFrame* frame, const QRectF& area, QList<QTextTable*>& out) const
+{
+    const QList<QTextFrame*> children = frame->childFrames();
+    const auto first = std::partition_point(children.cbegin(), children.cend(), [&](QTextFrame* child) {
+        return boundsOf(child).bottom() < area.top();
+    });
+    for (auto it = first; it != children.cend() && boundsOf(*it).top() <= area.bottom(); ++it) {
+        if (auto* table = qobject_cast<QTextTable*>(*it))
+            out.append(table);
+        else
+            collectTables(*it, area, out);
+    }
 }
 
 void QTextDocumentLayout::drawBackground(const QTextFormat& format, QPainter* painter, const QRectF& rect,
                                          const QBrush& brush)
 {
-    painter->save();
-    if (format.boolProperty(Shadow)) {
-        const QColor page = CVantrelApp::GetColor(clrThreadBackground);
-        const qreal ratio = painter->device() ? painter->device()->devicePixelRatioF() : qreal(1.0);
-        const QImage tile = m_shadows.tile(rect.size(), radiiOf(format), page, ratio,
-                                           [&](QPainter* p, const QRectF& shape, const QBrush& shapeBrush) {
-                                               fillRoundedBackground(format, p, shape, shapeBrush);
-                                           });
-        painter->save();
-        painter->setRenderHint(QPainter::Antialiasing);
-        painter->setClipping(false);
-        const QRectF target = rect.adjusted(-ShadowLeft, -ShadowTop, ShadowRight, ShadowBottom);
-        CNinePatch(tile).draw(painter, target, m_paintArea);
-        painter->restore();
+    if (!format.boolProperty(Shadow)) {
+        fillRoundedBackground(format, painter, rect, brush, m_paintArea);
+        return;
     }
-    fillRoundedBackground(format, painter, rect, brush);
+    // A bubble of one opaque colour comes with its shadow in the tile; any other is filled over the shadow.
+    const bool inTile = brush.style() == Qt::SolidPattern && brush.isOpaque();
+    const QColor page = CVantrelApp::GetColor(clrThreadBackground);
+    const qreal ratio = painter->device() ? painter->device()->devicePixelRatioF() : qreal(1.0);
+    const QImage tile =
+        m_shadows.tile(rect.size(), radiiOf(format), page, inTile ? brush.color() : QColor(), ratio,
+                       [&](QPainter* p, const QRectF& shape, const QBrush& shapeBrush) {
+                           fillRoundedBackground(format, p, shape, shapeBrush);
+                       });
+    painter->save();
+    painter->setClipping(false);
+    const QRectF target = rect.adjusted(-ShadowLeft, -ShadowTop, ShadowRight, ShadowBottom);
+    CNinePatch(tile).draw(painter, target, m_paintArea,
+                          inTile || !brush.isOpaque() ? CNinePatch::WithCentre : CNinePatch::Hollow);
     painter->restore();
+    if (!inTile)
+        fillRoundedBackground(format, painter, rect, brush, m_paintArea);
 }
 
 void QTextDocumentLayout::fillRoundedBackground(const QTextFormat& format, QPainter* painter,
-                                                const QRectF& rect, const QBrush& brush) const
+                                                const QRectF& rect, const QBrush& brush,
+                                                const QRectF& visible) const
 {
     painter->save();
     auto restore = qScopeGuard([painter] { painter->restore(); });
@@ -453,30 +459,31 @@ void QTextDocumentLayout::fillRoundedBackground(const QTextFormat& format, QPain
         qreal radius;
     };
     // Each corner piece reaches its radius beyond its own row and column, so that only its outer corner
-    // shows rounded and its inner corners lie under the neighbouring edges and the centre.
+    // shows rounded and its inner corners lie under the neighbouring edges and the middle band. The middle
+    // band runs the full width: a tall bubble seen in a strip is then one rectangle.
     const Piece pieces[] = {
         {{l, t, left + r1, top + r1}, r1},
         {{l + left, t, w - left - right, top}, 0.0},
         {{r - right - r2, t, right + r2, top + r2}, r2},
-        {{r - right, t + top, right, h - top - bottom}, 0.0},
         {{r - right - r3, b - bottom - r3, right + r3, bottom + r3}, r3},
         {{l + left, b - bottom, w - left - right, bottom}, 0.0},
         {{l, b - bottom - r4, left + r4, bottom + r4}, r4},
-        {{l, t + top, left, h - top - bottom}, 0.0},
     };
     painter->setPen(Qt::NoPen);
     painter->setBrush(brush);
     for (const Piece& piece : pieces) {
         if (piece.rect.width() <= 0 || piece.rect.height() <= 0)
             continue; // a bubble narrower than its corners: the edge has nothing to paint
+        if (visible.isValid() && !piece.rect.intersects(visible))
+            continue;
         if (piece.radius > 0)
             painter->drawRoundedRect(piece.rect, piece.radius, piece.radius, Qt::AbsoluteSize);
         else
             painter->drawRect(piece.rect);
     }
-    const QRectF centre = rect.adjusted(left, top, -right, -bottom);
-    if (centre.width() > 0 && centre.height() > 0)
-        painter->fillRect(centre, brush);
+    const QRectF middle(l, t + top, w, h - top - bottom);
+    if (middle.height() > 0 && (!visible.isValid() || middle.intersects(visible)))
+        painter->fillRect(middle, brush);
 }
 
 } // namespace newsReader

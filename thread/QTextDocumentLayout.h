@@ -61,8 +61,10 @@ private:
 
     void catchUpLayout() const;
     void repaintListNumbersOnceDone() const;
+    QRectF boundsOf(QTextFrame* frame) const;
     // The message tables that reach into `area`; none while the layout is lazy.
     QList<QTextTable*> messageTablesIn(const QRectF& area);
+    void collectTables(QTextFrame* frame, const QRectF& area, QList<QTextTable*>& out) const;
     void captureBackgrounds(QPainter* painter, const PaintContext& context, const QRectF& visible,
                             std::vector<Background>& out);
 
@@ -75,8 +77,9 @@ private:
 
     void drawBackground(const QTextFormat& format, QPainter* painter, const QRectF& rect,
                         const QBrush& brush);
+    // Only what lies within `visible`, when that is valid, need be painted.
     void fillRoundedBackground(const QTextFormat& format, QPainter* painter, const QRectF& rect,
-                               const QBrush& brush) const;
+                               const QBrush& brush, const QRectF& visible = QRectF()) const;
 
     TextImageHandler* m_imageHandler = nullptr;
     CBubbleShadowCache m_shadows;

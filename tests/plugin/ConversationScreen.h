@@ -3,6 +3,7 @@
 // to select comes straight back), on the sample scenario, for tests of conversations end to end.
 
 #include "CCommunicationObjectModel.h"
+#include "CMessageGroups.h"
 #include "CMessageItemsDocument.h"
 #include "CNewsFetcher.h"
 #include "CNewsReaderPlugin.h"
@@ -67,7 +68,7 @@ struct ConversationScreen
     }
     QTextEdit* editor() const { return control<QTextEdit>("messageEditor"); }
     QString threadText() const { return document()->toPlainText(); }
-    int messageCount() const { return int(document()->rootFrame()->childFrames().size()); }
+    int messageCount() const { return int(CMessageGroups::messageCount(document())); }
     bool busy() const
     {
         return !control<QProgressBar>("messagesProgress")->property("stopProgressBarAnimation").toBool();

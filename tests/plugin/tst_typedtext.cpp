@@ -2,6 +2,7 @@
 // and must read the same in the thread and in a GitHub Markdown reader (cmark-gfm).
 #include "HostTestMain.h"
 
+#include "CMessageGroups.h"
 #include "ConversationScreen.h"
 
 #include <QProcess>
@@ -31,8 +32,7 @@ QString readByGitHubReader(const QString& markdown)
 
 QString bubbleText(const CMessageItemsDocument* document)
 {
-    const QList<QTextFrame*> frames = document->rootFrame()->childFrames();
-    auto* last = qobject_cast<QTextTable*>(frames.constLast());
+    QTextTable* last = CMessageGroups::messages(document).constLast();
     QTextCursor cursor(const_cast<CMessageItemsDocument*>(document));
     cursor.setPosition(last->cellAt(0, 1).firstPosition());
     cursor.setPosition(last->cellAt(0, 1).lastPosition(), QTextCursor::KeepAnchor);

@@ -49,14 +49,14 @@ private slots:
     {
         QFETCH(QSizeF, size);
         QFETCH(qreal, ratio);
-        const QImage whole = CBubbleShadowCache::render(size, kReach, kPage, ratio, rounded);
+        const QImage whole = CBubbleShadowCache::render(size, kReach, kPage, QColor(), ratio, rounded);
 
         CBubbleShadowCache cache(kReach);
         QImage pieced(whole.size(), QImage::Format_ARGB32_Premultiplied);
         pieced.setDevicePixelRatio(ratio);
         pieced.fill(Qt::black);
         QPainter painter(&pieced);
-        CNinePatch(cache.tile(size, {12, 12, 12, 12}, kPage, ratio, rounded))
+        CNinePatch(cache.tile(size, {12, 12, 12, 12}, kPage, QColor(), ratio, rounded))
             .draw(&painter, QRectF(QPointF(0, 0), size.grownBy(kReach)));
         painter.end();
 

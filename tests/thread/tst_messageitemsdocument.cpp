@@ -3,6 +3,7 @@
 
 #include "CBlockIdentification.h"
 #include "CMessageBody.h"
+#include "CMessageGroups.h"
 #include "CMessageItemsDocument.h"
 #include "MessageFormatProperties.h"
 #include "WatcherAliases.h"
@@ -33,11 +34,7 @@ class TestMessageItemsDocument : public QObject
 
     static QList<QTextTable*> messageTables(CMessageItemsDocument& doc)
     {
-        QList<QTextTable*> tables;
-        for (QTextFrame* f : doc.rootFrame()->childFrames())
-            if (auto* t = qobject_cast<QTextTable*>(f))
-                tables << t;
-        return tables;
+        return CMessageGroups::messages(&doc);
     }
 
     static QString bubbleText(QTextTable* table)

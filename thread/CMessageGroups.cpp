@@ -1,0 +1,115 @@
+#include "CMessageGroups.h"
+
+#include <QTextCursor>
+#include <QTextDocument>
+#include <QTextFrame>
+#include <QTextTable>
+
+namespace {
+
+// An empty block between two frames, or before the first one, would otherwise take a line of height.
+void flatten(const QTextBlock& block)
+{
+    if (!block.isValid() || block.blockFormat().lineHeightType() == QTextBlockFormat::FixedHeight)
+        return;
+    QTextBlockFormat format;
+    format.setLineHeight(0, QTextBlockFormat::FixedHeight);
+    QTextCursor(block).setBlockFormat(format);
+}
+
+// The empty block at the end of a group, after its last table: where a table inserted comes last.
+QTextBlock lastBlockOf(const QTextFrame* group)
+{
+    return group->document()->findBlock(group->lastPosition());
+}
+
+// The empty block at the start of a group, before its first table.
+QTextBlock firstBlockOf(const QTextFrame* group)
+{
+    return group->document()->findBlock(group->firstPosition());
+}
+
+} // namespace
+
+QTextFrame* CMessageGroups::insertFrame(QTextDocument* document, const QTextCursor& at)
+{
+    QTextCursor cursor(at);
+    QTextFrameFormat format;
+    format.setMargin(0);
+    format.setPadding(0);
+    format.setBorder(0);
+    QTextFrame* frame = cursor.insertFrame(format);
+    flatten(firstBlockOf(frame));
+    flatten(document->findBlock(frame->firstPosition() - 1));
+    // The block after the last section stays as it is: it is the room under the thread's last message.
+    const QTextBlock after = document->findBlock(frame->lastPosition() + 1);
+    if (after != document->lastBlock())
+        flatten(after);
+    return frame;
+}
+
+QTextCursor CMessageGroups::endCursor(QTextDocument* document)
+{
+    const QList<QTextFrame*> sections = document->rootFrame()->childFrames();
+    QTextFrame* section = sections.isEmpty() ? nullptr : sections.constLast();
+    const QList<QTextFrame*> groups = section ? section->childFrames() : QList<QTextFrame*>();
+    if (!groups.isEmpty() && groups.constLast()->childFrames().size() < GroupSize)
+        return QTextCursor(lastBlockOf(groups.constLast()));
+    if (!section || groups.size() >= SectionSize)
+        section = insertFrame(document, QTextCursor(document->lastBlock()));
+    return QTextCursor(firstBlockOf(insertFrame(document, QTextCursor(lastBlockOf(section)))));
+}
+
+QTextCursor CMessageGroups::startCursor(QTextDocument* document)
+{
+    const QList<QTextFrame*> sections = document->rootFrame()->childFrames();
+    QTextFrame* section = sections.isEmpty() ? nullptr : sections.constFirst();
+    const QList<QTextFrame*> groups = section ? section->childFrames() : QList<QTextFrame*>();
+    if (!groups.isEmpty() && groups.constFirst()->childFrames().size() < GroupSize)
+        return QTextCursor(firstBlockOf(groups.constFirst()));
+    if (!section || groups.size() >= SectionSize)
+        section = insertFrame(document, QTextCursor(document->begin()));
+    return QTextCursor(firstBlockOf(insertFrame(document, QTextCursor(firstBlockOf(section)))));
+}
+
+QList<QTextTable*> CMessageGroups::tablesOf(const QTextFrame* group)
+{
+    QList<QTextTable*> tables;
+    for (QTextFrame* child : group->childFrames()) {
+        if (auto* table = qobject_cast<QTextTable*>(child))
+            tables.append(table);
+    }
+    return tables;
+}
+
+QList<QTextTable*> CMessageGroups::messages(const QTextDocument* document)
+{
+    QList<QTextTable*> tables;
+    for (QTextFrame* section : document->rootFrame()->childFrames()) {
+        for (QTextFrame* group : section->childFrames())
+            tables += tablesOf(group);
+    }
+    return tables;
+}
+
+QTextTable* CMessageGroups::firstMessage(const QTextDocument* document)
+{
+    for (QTextFrame* section : document->rootFrame()->childFrames()) {
+        for (QTextFrame* group : section->childFrames()) {
+            const QList<QTextTable*> tables = tablesOf(group);
+            if (!tables.isEmpty())
+                return tables.constFirst();
+        }
+    }
+    return nullptr;
+}
+
+qsizetype CMessageGroups::messageCount(const QTextDocument* document)
+{
+    qsizetype count = 0;
+    for (QTextFrame* section : document->rootFrame()->childFrames()) {
+        for (QTextFrame* group : section->childFrames())
+            count += group->childFrames().size();
+    }
+    return count;
+}
