@@ -1,5 +1,7 @@
 #include "SampleThread.h"
 
+#include "CMarkdownInserter.h"
+
 #include "CMessageItemsDocument.h"
 
 #include <QLinearGradient>
@@ -128,7 +130,9 @@ QString SampleThread::equivalentHtml(const QList<CIncidentCommunication>& messag
         if (CMessageItemsDocument::isHtmlBody(m.text))
             html += m.text;
         else {
-            body.setMarkdown(m.text, QTextDocument::MarkdownDialectGitHub);
+            // The bubble's own Markdown reader, so that tables have the same borders and padding.
+            QTextCursor cursor(&body);
+            CMarkdownInserter::insert(cursor, m.text);
             const QString full = body.toHtml();
             const qsizetype open = full.indexOf(QLatin1Char('>'), full.indexOf(QLatin1String("<body"))) + 1;
             html += full.mid(open, full.lastIndexOf(QLatin1String("</body>")) - open);
