@@ -54,10 +54,11 @@ public:
 
     // The composer state (model role) of a conversation that takes no more messages.
     static constexpr int kClosedComposerState = 2;
-    // A long thread opens with this many of its newest messages; older ones follow in portions of this size
-    // as the reader scrolls up.
+    // A long thread opens with this many of its newest messages; older ones follow in small portions, one
+    // per turn of the event loop while the reader is near the top, so that laying one out never holds up
+    // scrolling for more than a frame or two.
     static constexpr qsizetype kShownAtOpen = 150;
-    static constexpr qsizetype kOlderPortion = 150;
+    static constexpr qsizetype kOlderPortion = 30;
     // Read by the host style: a progress bar with this property set stands still.
     static constexpr const char* kStopAnimationProperty = "stopProgressBarAnimation";
 

@@ -842,7 +842,11 @@ void CMessageItemsDocument::setContentsThumbnail(const CMessageItemIndex& index,
         addResource(ImageResource, QUrl(name), picture);
     }
 
+    // The tile's table goes as a whole: the frame tree stays current, and the document is not rescanned.
+    CFrameTreeSplicer frameTree(this);
     cursor.beginEditBlock();
+    cursor.removeSelectedText();
+    frameTree.detached();
     cursor.insertBlock();
     QTextImageFormat image;
     image.setName(name);

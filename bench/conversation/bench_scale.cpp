@@ -11,12 +11,20 @@
 //           message in the middle of a laid-out thread, each with the layout brought up to date after it.
 //           Baseline: the same operation on 50 messages.
 //   open    selecting a conversation through the plugin until its newest message is painted, 10,000
-//           messages against 500 (both served once before, interleaved).
-//   bench_scale [paint|memory|ops|open]... [sizes]...   (default: all, at the sizes above)
+//           messages against 500 (both served once before, interleaved); and apart from that the stand-in
+//           server's answer alone, which grows with the thread whatever the plugin does, and the plugin's
+//           share, the difference.
+//   older   scrolling a conversation of 10,000 messages up to its oldest message, a portion of older
+//           messages at a time: how long each takes to come in, against a conversation of 1,500, and how far
+//           the message that was first moves on the screen (it should not).
+//   bench_scale [paint|memory|ops|open|older]... [sizes]...   (default: all, at the sizes above)
 
+#include "CMessageGroups.h"
 #include "CMessageItemsDocument.h"
 #include "CNewsFetcher.h"
 #include "CVantrelApp.h"
+#include "ChatServiceApi.h"
+#include "CustomerEntitiesQueryVectorHandler.h"
 #include "GeneratedConversation.h"
 #include "HostControl.h"
 #include "PluginScreen.h"
@@ -428,6 +436,20 @@ qint64 openThroughPlugin(const QString& key, int messages)
     return timer.nsecsElapsed();
 }
 
+// What the plugin waits for before it can do anything: the stand-in server's answer, carried through the
+// host's transport and parsed into entities.
+qint64 answerAlone(const QString& threadId)
+{
+    QElapsedTimer timer;
+    timer.start();
+    CustomerEntitiesQueryVectorHandler* fetch = ChatServiceApi::startFetchThreadCommunications(threadId);
+    bool delivered = false;
+    QObject::connect(fetch, &CustomerEntitiesQueryVectorHandler::entitiesFetched, fetch,
+                     [&delivered] { delivered = true; });
+    (void)QTest::qWaitFor([&] { return delivered; }, 60000);
+    return timer.nsecsElapsed();
+}
+
 void measureOpen()
 {
     constexpr int kSmall = 500;
@@ -444,14 +466,88 @@ void measureOpen()
     // The server makes each conversation's attachment files when it is first asked for it.
     openThroughPlugin(small, kSmall);
     openThroughPlugin(large, kLarge);
-    std::vector<qint64> smallTimes, largeTimes;
+    std::vector<qint64> smallOpen, largeOpen, smallAnswer, largeAnswer, smallShare, largeShare;
     for (int run = 0; run < kRuns; ++run) {
-        smallTimes.push_back(openThroughPlugin(small, kSmall));
-        largeTimes.push_back(openThroughPlugin(large, kLarge));
+        smallAnswer.push_back(answerAlone(small));
+        smallOpen.push_back(openThroughPlugin(small, kSmall));
+        largeAnswer.push_back(answerAlone(large));
+        largeOpen.push_back(openThroughPlugin(large, kLarge));
+        smallShare.push_back(smallOpen.back() - smallAnswer.back());
+        largeShare.push_back(largeOpen.back() - largeAnswer.back());
     }
-    row(QStringLiteral("open until the newest is painted"), kLarge, ms(double(median(largeTimes))),
-        ms(double(median(smallTimes))) + QStringLiteral(" @500"),
-        ratio(double(median(largeTimes)), double(median(smallTimes))));
+    const auto report = [](const char* what, const std::vector<qint64>& mine,
+                           const std::vector<qint64>& base) {
+        row(QLatin1String(what), kLarge, ms(double(median(mine))),
+            ms(double(median(base))) + QStringLiteral(" @%1").arg(kSmall),
+            ratio(double(median(mine)), double(median(base))));
+    };
+    report("open until the newest is painted", largeOpen, smallOpen);
+    report("  of which the server's answer", largeAnswer, smallAnswer);
+    report("  of which the plugin's share", largeShare, smallShare);
+}
+
+// --- older ---------------------------------------------------------------------------------------------
+
+struct Portions
+{
+    std::vector<qint64> times;
+    qreal largestJump = 0; // how far the message that was first moved on the screen
+    qsizetype shown = 0;
+};
+
+// Opens the conversation, then scrolls to the top again and again until its oldest message is shown: the
+// time each portion of older messages takes to come in and be painted.
+Portions scrollToOldest(const QString& key, int messages)
+{
+    PluginScreen screen(QSize(900, 700));
+    (void)screen.open(key, messages);
+    screen.paintEnd();
+    auto* document = static_cast<CMessageItemsDocument*>(screen.thread()->document());
+    QScrollBar* bar = screen.thread()->verticalScrollBar();
+    Portions portions;
+    for (;;) {
+        const qsizetype before = CMessageGroups::messageCount(document);
+        auto* first = static_cast<QTextTable*>(document->firstMessageFrame());
+        QElapsedTimer timer;
+        timer.start();
+        bar->setValue(0);
+        // Where the reader sees the message that is first now, at the top of the view.
+        const qreal onScreen = document->frameRect({first, {}}).top();
+        if (!QTest::qWaitFor([&] { return CMessageGroups::messageCount(document) > before; }, 5000))
+            break;
+        screen.thread()->viewport()->repaint();
+        portions.times.push_back(timer.nsecsElapsed());
+        const qreal now = document->frameRect({first, {}}).top() - bar->value();
+        portions.largestJump = std::max(portions.largestJump, std::abs(now - onScreen));
+    }
+    portions.shown = CMessageGroups::messageCount(document);
+    return portions;
+}
+
+void measureOlder()
+{
+    constexpr int kSmall = 1500;
+    constexpr int kLarge = 10000;
+    const QString small = QStringLiteral("older-%1").arg(kSmall);
+    const QString large = QStringLiteral("older-%1").arg(kLarge);
+    HostControl::addConversation(GeneratedConversation::make(small, kSmall, 11));
+    HostControl::addConversation(GeneratedConversation::make(large, kLarge, 11));
+    {
+        const PluginScreen probe(QSize(900, 700));
+        (void)QTest::qWaitFor([&] { return probe.item(large).isValid(); }, 60000);
+    }
+    const Portions base = scrollToOldest(small, kSmall);
+    const Portions mine = scrollToOldest(large, kLarge);
+    row(QStringLiteral("older portion coming in, median"), kLarge, ms(double(median(mine.times))),
+        ms(double(median(base.times))) + QStringLiteral(" @%1").arg(kSmall),
+        ratio(double(median(mine.times)), double(median(base.times))));
+    const qint64 worst = *std::max_element(mine.times.cbegin(), mine.times.cend());
+    const qint64 baseWorst = *std::max_element(base.times.cbegin(), base.times.cend());
+    row(QStringLiteral("older portion coming in, longest"), kLarge, ms(double(worst)),
+        ms(double(baseWorst)) + QStringLiteral(" @%1").arg(kSmall), ratio(double(worst), double(baseWorst)));
+    out << "  all " << mine.shown << " messages shown after " << mine.times.size()
+        << " portions; the first message moved by at most " << mine.largestJump << " px (" << base.largestJump
+        << " px @" << kSmall << ")" << Qt::endl;
 }
 
 } // namespace
@@ -493,10 +589,12 @@ int main(int argc, char** argv)
     }
     if (wanted("ops"))
         reportOps();
-    if (wanted("open")) {
+    if (wanted("open") || wanted("older"))
         HostControl::loadDefaultScenario();
+    if (wanted("open"))
         measureOpen();
-    }
+    if (wanted("older"))
+        measureOlder();
     out << "took " << QString::number(double(total.elapsed()) / 1000.0, 'f', 1) << " s" << Qt::endl;
     return 0;
 }
