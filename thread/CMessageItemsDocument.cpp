@@ -515,11 +515,14 @@ void CMessageItemsDocument::removeMessage(const CMessageItemIndex& index)
 {
     if (!index.isValid())
         return;
-    QTextCursor cursor = index.frame->firstCursorPosition();
-    cursor.movePosition(QTextCursor::PreviousCharacter);
-    cursor.setPosition(index.frame->lastPosition(), QTextCursor::KeepAnchor);
+    // A cursor made from a block and moved inside an edit block asks nothing of the layout, which may not
+    // have seen the document yet.
+    const int start = index.frame->firstPosition() - 1;
+    QTextCursor cursor(QTextDocument::findBlock(start));
     CFrameTreeSplicer frameTree(this);
     cursor.beginEditBlock();
+    cursor.setPosition(start);
+    cursor.setPosition(index.frame->lastPosition(), QTextCursor::KeepAnchor);
     cursor.deleteChar();
     frameTree.detached();
     m_register.forget(index);

@@ -471,6 +471,10 @@ void QTextDocumentLayout::fillRoundedBackground(const QTextFormat& format, QPain
     };
     painter->setPen(Qt::NoPen);
     painter->setBrush(brush);
+    // A bubble smaller than its corners would show them sticking out.
+    if (std::any_of(std::cbegin(pieces), std::cend(pieces),
+                    [&rect](const Piece& piece) { return !rect.contains(piece.rect); }))
+        painter->setClipRect(rect, Qt::IntersectClip);
     for (const Piece& piece : pieces) {
         if (piece.rect.width() <= 0 || piece.rect.height() <= 0)
             continue; // a bubble narrower than its corners: the edge has nothing to paint

@@ -1,10 +1,15 @@
-// The bubble shadows: a small tile drawn in nine pieces looks like the whole bubble blurred.
+// The bubble shadows: a small tile drawn in nine pieces looks like the whole bubble blurred, and bubbles
+// painted by the thread's layout look as they were approved to look.
 #include "HostTestMain.h"
 
 #include "CBubbleShadowCache.h"
 #include "CNinePatch.h"
+#include "MessageFormatProperties.h"
+#include "QTextDocumentLayout.h"
 
 #include <QPainter>
+#include <QTextCursor>
+#include <QTextTable>
 
 class TestBubbleShadowCache : public QObject
 {
@@ -32,6 +37,63 @@ class TestBubbleShadowCache : public QObject
             }
         }
         return largest;
+    }
+
+    // Bubbles of several sizes, corners and colours, without text, as the thread's layout paints them.
+    static QImage paintBubbles()
+    {
+        using namespace newsReader::MessageFormatProperties;
+        QTextDocument doc;
+        doc.setDocumentLayout(new newsReader::QTextDocumentLayout(&doc));
+        struct Bubble
+        {
+            QColor colour;
+            qreal width;
+            qreal padding;
+            std::array<qreal, 4> radii;
+            Qt::Alignment alignment;
+        };
+        const Bubble bubbles[] = {
+            {Qt::white, 220, 20, {12, 12, 12, 0}, Qt::AlignLeft},
+            {QColor("#dcf3e4"), 150, 60, {12, 12, 0, 12}, Qt::AlignRight},
+            {Qt::white, 40, 2, {12, 12, 12, 12}, Qt::AlignLeft}, // smaller than its corners
+            {QColor("#dcf3e4"), 300, 8, {4, 4, 4, 4}, Qt::AlignRight},
+        };
+        QTextCursor cursor(&doc);
+        for (const Bubble& bubble : bubbles) {
+            QTextTableFormat table;
+            table.setAlignment(bubble.alignment);
+            table.setWidth(QTextLength(QTextLength::FixedLength, bubble.width));
+            table.setBorder(0);
+            table.setCellPadding(0);
+            table.setCellSpacing(0);
+            table.setBottomMargin(16);
+            table.setLeftMargin(8);
+            table.setRightMargin(8);
+            QTextTableCell cell = cursor.insertTable(1, 1, table)->cellAt(0, 0);
+            QTextTableCellFormat format = cell.format().toTableCellFormat();
+            format.setBackground(bubble.colour);
+            format.setTopPadding(bubble.padding);
+            format.setBottomPadding(bubble.padding);
+            format.setLeftPadding(bubble.padding);
+            format.setRightPadding(bubble.padding);
+            format.setProperty(Shadow, true);
+            format.setProperty(TopLeftRadius, bubble.radii[0]);
+            format.setProperty(TopRightRadius, bubble.radii[1]);
+            format.setProperty(BottomRightRadius, bubble.radii[2]);
+            format.setProperty(BottomLeftRadius, bubble.radii[3]);
+            cell.setFormat(format);
+            cursor = QTextCursor(doc.lastBlock());
+        }
+        doc.setTextWidth(360);
+        QImage image(QSize(360, int(doc.documentLayout()->documentSize().height())),
+                     QImage::Format_ARGB32_Premultiplied);
+        image.fill(kPage);
+        QPainter painter(&image);
+        QAbstractTextDocumentLayout::PaintContext context;
+        context.clip = image.rect();
+        doc.documentLayout()->draw(&painter, context);
+        return image;
     }
 
 private slots:
@@ -64,6 +126,20 @@ private slots:
         QVERIFY2(largestDifference(whole, pieced) <= 2,
                  qPrintable(QString::number(largestDifference(whole, pieced))));
         QVERIFY(cache.bytes() <= 128 * 1024);
+    }
+
+    void bubblesMatchTheStoredPicture()
+    {
+        const QString stored = QStringLiteral(NEWSREADER_TEST_DATA_DIR "/bubbles-on-shadows.png");
+        const QImage painted = paintBubbles();
+        if (qEnvironmentVariableIsSet("NEWSREADER_UPDATE_RENDERINGS")) {
+            QVERIFY(painted.save(stored));
+            QSKIP("Stored rendering rewritten");
+        }
+        const QImage approved = QImage(stored).convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        QCOMPARE(painted.size(), approved.size());
+        QVERIFY2(largestDifference(painted, approved) <= 3,
+                 qPrintable(QString::number(largestDifference(painted, approved))));
     }
 };
 

@@ -2,13 +2,18 @@
 // while the document has no width, and a first paint that neither lays out the rest nor paints differently.
 #include "HostTestMain.h"
 
+#include "AttachmentLinks.h"
 #include "CMessageGroups.h"
 #include "CMessageItemsDocument.h"
 #include "QTextDocumentLayout.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QPainter>
+#include <QRegularExpression>
 #include <QSignalSpy>
+#include <QtGui/private/qtextdocument_p.h>
+
+#include <functional>
 
 class TestLazyThreadLayout : public QObject
 {
@@ -26,8 +31,10 @@ class TestLazyThreadLayout : public QObject
         m.fromOtherParty = i % 2 == 0;
         m.senderName = m.fromOtherParty ? "Anna Support" : "Me";
         m.nameColor = QColor("#3a7bd5");
-        m.text = i % 3 == 0 ? QStringLiteral("<p>Some <b>HTML</b> text</p>")
-                            : QStringLiteral("| a | b |\n|---|---|\n| 1 | 2 |\n\n- one\n- two");
+        // Every body starts with its message's id, so that a plain walk of the document can tell them apart.
+        m.text = i % 3 == 0
+                     ? QStringLiteral("<p>#%1 Some <b>HTML</b> text</p>").arg(m.id)
+                     : QStringLiteral("#%1\n\n| a | b |\n|---|---|\n| 1 | 2 |\n\n- one\n- two").arg(m.id);
         if (i % 4 == 1) {
             CIncidentAttachment a;
             a.id = m.id + "-a";
@@ -86,29 +93,125 @@ class TestLazyThreadLayout : public QObject
     }
 
 private slots:
-    void appendedMessagesAreLinkedIntoTheFrameTreeAsAFullRescanWouldLinkThem()
+    // Steps: "append N", "prepend N" (messages numbered on from the last one made), "replace I",
+    // "remove I", "thumbnail I" (of message I's file), "batch" (the rest in one edit block, as live updates
+    // arrive), "reload N" (cleared and filled anew).
+    void indexesAgreeWithAPlainWalkOfTheDocument_data()
     {
+        QTest::addColumn<QStringList>("steps");
+        QTest::newRow("appended past a section") << QStringList{"append 1100"};
+        QTest::newRow("prepended past groups and a section") << QStringList{"append 40", "prepend 1050"};
+        QTest::newRow("replaced and removed")
+            << QStringList{"append 70",  "replace 4", "remove 9", "remove 31",
+                           "replace 32", "remove 0",  "append 3", "replace 69"};
+        QTest::newRow("in one edit block") << QStringList{"append 33", "batch",     "remove 9", "append 2",
+                                                          "replace 5", "prepend 3", "remove 33"};
+        QTest::newRow("thumbnails") << QStringList{"append 40",  "thumbnail 1",  "thumbnail 21",
+                                                   "replace 21", "thumbnail 37", "remove 37"};
+        QTest::newRow("reloaded") << QStringList{"append 50", "remove 3", "reload 45", "prepend 2"};
+    }
+    void indexesAgreeWithAPlainWalkOfTheDocument()
+    {
+        QFETCH(QStringList, steps);
         CMessageItemsDocument doc;
-        fill(doc, 20);
-        doc.replaceMessage(doc.messageIndex("m4"), message(4));
-        doc.appendMessage(message(99));
-        // Several changes in one edit block, as live updates arrive.
+        QStringList shown; // ids in the order the document should show them
+        int made = 0;
         QTextCursor batch(&doc);
-        batch.beginEditBlock();
-        doc.removeMessage(doc.messageIndex("m9"));
-        doc.appendMessage(message(100));
-        doc.replaceMessage(doc.messageIndex("m5"), message(5));
-        batch.endEditBlock();
-        const QStringList built = frameTree(doc.rootFrame());
-        QCOMPARE(CMessageGroups::messageCount(&doc), 21);
+        for (const QString& step : std::as_const(steps)) {
+            const QString verb = step.section(u' ', 0, 0);
+            const int n = step.section(u' ', 1, 1).toInt();
+            const QString id = QStringLiteral("m%1").arg(n);
+            if (verb == "append" || verb == "reload") {
+                if (verb == "reload") {
+                    doc.clear();
+                    shown.clear();
+                }
+                for (int i = 0; i < n; ++i, ++made) {
+                    doc.appendMessage(message(made));
+                    shown << message(made).id;
+                }
+            } else if (verb == "prepend") {
+                for (int i = 0; i < n; ++i, ++made) {
+                    doc.prependMessage(message(made));
+                    shown.prepend(message(made).id);
+                }
+            } else if (verb == "replace") {
+                CIncidentCommunication edited = message(n);
+                edited.id += "-v2";
+                edited.text.replace(QStringLiteral("#%1").arg(id), QStringLiteral("#%1").arg(edited.id));
+                doc.replaceMessage(doc.messageIndex(id), edited);
+                shown.replace(shown.indexOf(id), edited.id);
+            } else if (verb == "remove") {
+                doc.removeMessage(doc.messageIndex(id));
+                shown.removeOne(id);
+            } else if (verb == "thumbnail") {
+                QPixmap picture(60, 40);
+                picture.fill(Qt::darkCyan);
+                doc.setContentsThumbnail(doc.messageIndex(id), id + "-a", picture);
+            } else if (verb == "batch") {
+                batch.beginEditBlock();
+            }
+        }
+        if (QTextDocumentPrivate::get(&doc)->isInEditBlock())
+            batch.endEditBlock();
+        doc.setTextWidth(kWidth);
+        doc.documentLayout()->documentSize();
 
-        // Inserting and removing a table makes the document rebuild its whole tree from the text.
+        // The plain walk: every table that shows a message, found by going through all frames.
+        QList<QTextTable*> walked;
+        const std::function<void(QTextFrame*)> walk = [&](QTextFrame* frame) {
+            for (QTextFrame* child : frame->childFrames()) {
+                auto* table = qobject_cast<QTextTable*>(child);
+                if (table && table->columns() == 2)
+                    walked << table;
+                else if (!table)
+                    walk(child);
+            }
+        };
+        walk(doc.rootFrame());
+        QStringList walkedIds;
+        for (QTextTable* table : std::as_const(walked)) {
+            QTextCursor cell(table->cellAt(0, 1).firstCursorPosition());
+            cell.setPosition(table->cellAt(0, 1).lastPosition(), QTextCursor::KeepAnchor);
+            const QString body = cell.selectedText();
+            const qsizetype mark = body.indexOf(u'#');
+            walkedIds << body.mid(mark + 1).section(QRegularExpression("[^A-Za-z0-9-]"), 0, 0);
+        }
+        QCOMPARE(walkedIds, shown);
+        QCOMPARE(CMessageGroups::messages(&doc), walked);
+        QCOMPARE(doc.firstMessageFrame(), walked.value(0));
+
+        for (qsizetype i = 0; i < walked.size(); ++i) {
+            const CMessageItemIndex index = doc.messageIndex(shown.at(i));
+            QCOMPARE(index.frame.data(), walked.at(i));
+            // The frames that group messages take no room: each message starts where the one above ends.
+            const QRectF outline = layoutOf(doc)->tableBoundingRect(walked.at(i));
+            QCOMPARE(outline.top(), i == 0 ? doc.documentMargin()
+                                           : layoutOf(doc)->tableBoundingRect(walked.at(i - 1)).bottom());
+            // A tile is found where a walk of the message's blocks finds its link.
+            for (const CIncidentAttachment& attachment : index.message.attachments) {
+                QRectF expected;
+                for (QTextBlock block = doc.begin(); block.isValid() && expected.isNull();
+                     block = block.next()) {
+                    for (auto it = block.begin(); !it.atEnd(); ++it) {
+                        if (newsReader::attachmentIdFromLink(it.fragment().charFormat().anchorHref()) ==
+                            attachment.id)
+                            expected = doc.documentLayout()->blockBoundingRect(block);
+                    }
+                }
+                QCOMPARE(doc.attachmentRect(attachment.id), expected);
+            }
+        }
+
+        // Inserting and removing a table makes the document rebuild its whole tree from the text: the tree
+        // kept current through the changes is the same.
+        const QStringList kept = frameTree(doc.rootFrame());
         QTextCursor cursor(doc.lastBlock());
         QTextTable* scratch = cursor.insertTable(1, 1);
         cursor.setPosition(scratch->firstPosition() - 1);
         cursor.setPosition(scratch->lastPosition() + 1, QTextCursor::KeepAnchor);
         cursor.removeSelectedText();
-        QCOMPARE(frameTree(doc.rootFrame()), built);
+        QCOMPARE(frameTree(doc.rootFrame()), kept);
     }
 
     void anUnsizedDocumentLaysOutOnlyWhenAskedOrWhenTheEventLoopTurns()
