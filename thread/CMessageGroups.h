@@ -16,8 +16,8 @@ class QTextTable;
 class CMessageGroups
 {
 public:
-    static constexpr int GroupSize = 32;
-    static constexpr int SectionSize = 32;
+    static constexpr int GroupSize = 16;
+    static constexpr int SectionSize = 16;
 
     // A cursor at which a message table inserted becomes the last message, or the first one; a new group
     // (and section) is made when the one at that end is full. The cursors are made from blocks, so they ask
