@@ -100,12 +100,20 @@ private slots:
     void aRequestedEntryIsSelectedOnceListed()
     {
         ListScreen screen;
+        QEvent other(QEvent::User);
+        other.ignore();
+        QVERIFY(!vantrelApp->postApplicationEvent(&other));
         CReadNewsEntryRequest known("n-offer-2", 0);
         QVERIFY(vantrelApp->postApplicationEvent(&known));
+        QVERIFY(screen.plugin.isSelected());
+        QCOMPARE(HostControl::events("selectPage").size(), 1);
         QCOMPARE(eventKeys("expand"), QStringList{"folder-1"});
         QCOMPARE(eventKeys("select"), QStringList{"n-offer-2"});
+        // An entry not listed yet: the conversations are fetched again, and it is selected once it arrives.
+        HostControl::clearRequestLog();
         CReadNewsEntryRequest unknown("c-new", 0);
         QVERIFY(vantrelApp->postApplicationEvent(&unknown));
+        QTRY_VERIFY(!HostControl::requestLog().isEmpty());
         HostControl::addConversation(listTest::conversation("c-new", "Fresh question"));
         QTRY_VERIFY(eventKeys("select").contains("c-new"));
     }
