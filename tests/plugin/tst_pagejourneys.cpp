@@ -1,6 +1,6 @@
-// Paths a new user takes through the page: starting a conversation from wherever they are, seeing their
-// request while support has not answered, a thread that says why it is empty, hiding list rows without a
-// mouse, and the whole page and dialog in German.
+// Paths a new user takes through the page: from the list to a sent message without a mouse, starting a
+// conversation from wherever they are and seeing the request while support has not answered, a thread that
+// says why it is empty, and the whole page and dialog in German.
 #include "../translations/CatalogueReader.h"
 #include "CNewIncidentDialog.h"
 #include "ConversationScreen.h"
@@ -8,10 +8,8 @@
 
 #include <QApplication>
 #include <QComboBox>
-#include <QContextMenuEvent>
 #include <QHBoxLayout>
 #include <QLineEdit>
-#include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QStackedWidget>
@@ -207,58 +205,6 @@ private slots:
         QTRY_VERIFY(screen.messageCount() > 0);
         QVERIFY(!placeholder->isVisible());
         QVERIFY(screen.thread()->accessibleDescription().isEmpty());
-    }
-
-    void listRowsAreHiddenByKeyboard()
-    {
-        CNewsReaderPlugin plugin;
-        QTreeView tree;
-        tree.setModel(plugin.getPluginModel().get());
-        tree.setItemDelegate(plugin.getPluginItemDelegate());
-        tree.expandAll();
-        // The host opens the rows' editors (the hide buttons), as it does after every rebuild.
-        const QAbstractItemModel* model = tree.model();
-        QList<QPersistentModelIndex> hideable;
-        QModelIndex pinned;
-        for (const QModelIndex& row :
-             model->match(model->index(0, 0), CCommunicationObjectModel::IsFolderRole, false, -1,
-                          Qt::MatchExactly | Qt::MatchRecursive)) {
-            tree.openPersistentEditor(row);
-            if (tree.indexWidget(row))
-                hideable << row;
-            else if (!pinned.isValid())
-                pinned = row;
-        }
-        QVERIFY(hideable.size() >= 2 && pinned.isValid());
-        tree.show();
-        const auto idOf = [](const QModelIndex& row) {
-            return row.data(CCommunicationObjectModel::KeyRole).toString();
-        };
-        const QString pinnedId = idOf(pinned);
-        const QString firstId = idOf(hideable.at(0));
-        const QString secondId = idOf(hideable.at(1));
-
-        // Delete does nothing on a row that cannot be hidden, and hides one that can.
-        tree.setCurrentIndex(pinned);
-        QTest::keyClick(&tree, Qt::Key_Delete);
-        tree.setCurrentIndex(hideable.at(0));
-        QTest::keyClick(&tree, Qt::Key_Delete);
-        QTRY_VERIFY(HostControl::isNewsEntryHidden(firstId));
-        QVERIFY(!HostControl::isNewsEntryHidden(pinnedId));
-
-        // The Menu key opens the current row's menu; its one action hides the row.
-        tree.setCurrentIndex(plugin.getPluginModel()
-                                 ->match(model->index(0, 0), CCommunicationObjectModel::KeyRole, secondId, 1,
-                                         Qt::MatchExactly | Qt::MatchRecursive)
-                                 .value(0));
-        QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, QPoint(), QPoint());
-        QApplication::sendEvent(&tree, &menuKey);
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        QVERIFY(menu);
-        QCOMPARE(menu->actions().size(), 1);
-        QCOMPARE(menu->actions().first()->text(), QStringLiteral("Hide"));
-        menu->actions().first()->trigger();
-        QTRY_VERIFY(HostControl::isNewsEntryHidden(secondId));
     }
 
     void germanUsersSeeNoEnglish()
