@@ -3,6 +3,7 @@
 
 #include <QLineEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QStackedWidget>
 #include <QTest>
 #include <QTimer>
@@ -15,7 +16,7 @@ class ProbeDialog : public CKOLDialog
     Q_OBJECT
 public:
     explicit ProbeDialog(const QString& form, bool modeless = false)
-        : CKOLDialog(nullptr, modeless, QVariant(42), false)
+        : CKOLDialog(nullptr, modeless, QVariant(42), modeless)
         , m_form(form)
     {}
 
@@ -36,7 +37,7 @@ protected:
     {
         ++acceptCalls;
         if (closeOnAccept)
-            done(QDialog::Accepted);
+            CKOLDialog::onAccept();
     }
 
 private:
@@ -96,6 +97,35 @@ private slots:
         QCOMPARE(events.size(), 1);
         QVERIFY(events.first().details.value("class").toString().endsWith("ProbeDialog"));
         QCOMPARE(events.first().details.value("result").toInt(), result);
+    }
+
+    void withoutItsFormItDoesNotOpen()
+    {
+        CKOLDialog bare(nullptr, false, {}, false);
+        QTest::ignoreMessage(QtCriticalMsg, QRegularExpression("cannot load form"));
+        QCOMPARE(bare.Execute(), int(QDialog::Rejected));
+        QVERIFY(!bare.isVisible() && !bare.formWidget());
+        QVERIFY(HostControl::events("dialogExecuted").isEmpty());
+    }
+
+    // A modeless dialog is shown at a fixed size and Execute() returns at once; Escape presses Cancel, which
+    // does nothing while it is disabled; the result is recorded when the dialog finishes.
+    void modelessDialogsReturnAtOnceAndRecordWhenTheyFinish()
+    {
+        ProbeDialog dialog("communications.createIncident.ui", true);
+        QCOMPARE(dialog.Execute(), int(QDialog::Rejected));
+        QVERIFY(dialog.isVisible() && !dialog.isModal());
+        QCOMPARE(dialog.minimumSize(), dialog.maximumSize());
+        QVERIFY(HostControl::events("dialogExecuted").isEmpty());
+        dialog.cancelButton()->setEnabled(false);
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+        QVERIFY(dialog.isVisible());
+        dialog.cancelButton()->setEnabled(true);
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+        QVERIFY(!dialog.isVisible());
+        const auto events = HostControl::events("dialogExecuted");
+        QCOMPARE(events.size(), 1);
+        QCOMPARE(events.first().details.value("result").toInt(), int(QDialog::Rejected));
     }
 };
 

@@ -64,6 +64,44 @@ private slots:
         QVERIFY(field("signInPassword")->isEnabled());
     }
 
+    // A new user asks for an account: the form takes the e-mail typed so far, wants a name, an address and a
+    // password, and signs in on success; the way back to signing in is open until then.
+    void createsAnAccountAndSignsIn()
+    {
+        QTest::keyClicks(field("signInEmail"), "new.user@example.com");
+        QVERIFY(!m_control->handleReject());
+        m_control->handleCreateAccountRequest();
+        QCOMPARE(field("createAccountEmail")->text(), QStringLiteral("new.user@example.com"));
+        QCOMPARE(m_control->getSubmitActionName("OK"), QStringLiteral("Create account"));
+        QVERIFY(m_control->getUiCapsFlags() & SignInControl::CapCreateAccountPage);
+        m_control->startAction();
+        auto* error = m_control->findChild<QLabel*>("signInError");
+        QCOMPARE(error->text(), QStringLiteral("Please enter your name, an e-mail address and a password."));
+        QVERIFY(m_control->handleReject());
+        QCOMPARE(m_control->getSubmitActionName("OK"), QStringLiteral("Sign in"));
+        QVERIFY(error->isHidden());
+        m_control->startAction();
+        QCOMPARE(error->text(), QStringLiteral("Please enter your e-mail address and password."));
+
+        m_control->handleCreateAccountRequest();
+        QTest::keyClicks(field("createAccountFirstName"), "Nina");
+        QTest::keyClicks(field("createAccountLastName"), "New");
+        QVERIFY(!m_control->isSubmitEnabled());
+        QTest::keyClicks(field("createAccountPassword"), "secret");
+        QVERIFY(m_control->isSubmitEnabled());
+        HostControl::scriptSignInResult(false);
+        QSignalSpy failed(m_service, &CSignInService::signInFailed);
+        m_control->startAction();
+        QVERIFY(failed.wait());
+        QCOMPARE(error->text(),
+                 QStringLiteral("An account cannot be created with this e-mail address and password."));
+        QSignalSpy signedIn(m_service, &CSignInService::signedIn);
+        m_control->startAction();
+        QVERIFY(signedIn.wait());
+        QVERIFY(m_control->getUiCapsFlags() & SignInControl::CapFinished);
+        QVERIFY(field("createAccountPassword")->text().isEmpty());
+    }
+
 private:
     void fillSignIn(const QString& email, const QString& password)
     {
