@@ -1,12 +1,17 @@
-// Inline images of the thread document: tinted SVG renderings and their cache, and the fallbacks.
+// Inline images of the thread document: pictures from files, resources and data at their natural or
+// asked-for size, high-resolution variants, drawing off the main thread, tinted SVG renderings and their
+// cache, and the fallbacks.
 #include "HostTestMain.h"
 
+#include "CResourceGuard.h"
 #include "MessageFormatProperties.h"
 #include "QTextDocumentLayout.h"
 #include "TextImageHandler.h"
 
 #include <QPainter>
+#include <QTemporaryDir>
 #include <QTextDocument>
+#include <QThread>
 
 using namespace newsReader::MessageFormatProperties;
 
@@ -38,9 +43,10 @@ class TestTextImageHandler : public QObject
         return format;
     }
 
-    QImage draw(const QTextImageFormat& format)
+    QImage draw(const QTextImageFormat& format, qreal devicePixelRatio = 1.0)
     {
-        QImage target(10, 10, QImage::Format_ARGB32_Premultiplied);
+        QImage target(QSize(10, 10) * devicePixelRatio, QImage::Format_ARGB32_Premultiplied);
+        target.setDevicePixelRatio(devicePixelRatio);
         target.fill(Qt::transparent);
         QPainter painter(&target);
         m_handler->drawObject(&painter, QRectF(0, 0, 10, 10), &m_doc, 0, format);
@@ -77,6 +83,101 @@ private slots:
         QVERIFY(!resourceOf("shape_#c0392b").isNull());
         QCOMPARE(resourceOf("shape").userType(), QMetaType::QByteArray);
         QCOMPARE(resourceOf("shape").toByteArray(), kTintable);
+    }
+
+    void picturesTakeTheirSizeFromTheFormatOrThemselves_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<int>("width"); // 0: not given
+        QTest::addColumn<int>("height");
+        QTest::addColumn<qreal>("devicePixelRatio");
+        QTest::addColumn<bool>("offThread");
+        QTest::addColumn<QSizeF>("size");
+        QTest::addColumn<QColor>("drawn");
+        // pic.png is 20 x 10 and red; hi.png exists only as its high-resolution variant hi@2x.png, 40 x 20
+        // and blue; "png" is pic.png's data.
+        QTest::newRow("file") << "pic.png" << 0 << 0 << 1.0 << false << QSizeF(20, 10) << QColor(Qt::red);
+        QTest::newRow("file, width given")
+            << "pic.png" << 10 << 0 << 1.0 << false << QSizeF(10, 5) << QColor(Qt::red);
+        QTest::newRow("file, height given")
+            << "pic.png" << 0 << 20 << 1.0 << false << QSizeF(40, 20) << QColor(Qt::red);
+        QTest::newRow("file on a 2x screen")
+            << "hi.png" << 10 << 10 << 2.0 << false << QSizeF(10, 10) << QColor(Qt::blue);
+        QTest::newRow("data") << "png" << 0 << 0 << 1.0 << false << QSizeF(20, 10) << QColor(Qt::red);
+        QTest::newRow("resource file")
+            << TextImageHandler::fallbackImageName() << 0 << 0 << 1.0 << false << QSizeF(16, 16) << QColor();
+        QTest::newRow("off the main thread")
+            << "pic.png" << 0 << 0 << 1.0 << true << QSizeF(20, 10) << QColor(Qt::red);
+        QTest::newRow("off the main thread, width given")
+            << "pic.png" << 10 << 0 << 1.0 << true << QSizeF(10, 5) << QColor(Qt::red);
+        QTest::newRow("off the main thread, height given")
+            << "pic.png" << 0 << 20 << 1.0 << true << QSizeF(40, 20) << QColor(Qt::red);
+        QTest::newRow("data off the main thread")
+            << "png" << 0 << 0 << 1.0 << true << QSizeF(20, 10) << QColor(Qt::red);
+        QTest::newRow("off the main thread on a 2x screen")
+            << "hi.png" << 10 << 10 << 2.0 << true << QSizeF(10, 10) << QColor(Qt::blue);
+        QTest::newRow("missing file off the main thread")
+            << "nothing.png" << 10 << 10 << 1.0 << true << QSizeF(10, 10) << QColor();
+    }
+
+    void picturesTakeTheirSizeFromTheFormatOrThemselves()
+    {
+        QFETCH(QString, name);
+        QFETCH(int, width);
+        QFETCH(int, height);
+        QFETCH(qreal, devicePixelRatio);
+        QFETCH(bool, offThread);
+        QFETCH(QSizeF, size);
+        QFETCH(QColor, drawn);
+        QTemporaryDir dir;
+        QImage picture(20, 10, QImage::Format_RGB32);
+        picture.fill(Qt::red);
+        QVERIFY(picture.save(dir.filePath("pic.png")));
+        picture = QImage(40, 20, QImage::Format_RGB32);
+        picture.fill(Qt::blue);
+        QVERIFY(picture.save(dir.filePath("hi@2x.png")));
+        QFile png(dir.filePath("pic.png"));
+        QVERIFY(png.open(QIODevice::ReadOnly));
+        m_doc.addResource(QTextDocument::ImageResource, QUrl("png"), png.readAll());
+        QTextImageFormat format;
+        format.setName(name.endsWith(".png") ? QUrl::fromLocalFile(dir.filePath(name)).toString() : name);
+        if (width)
+            format.setWidth(width);
+        if (height)
+            format.setHeight(height);
+        QSizeF measured;
+        QImage image;
+        const auto run = [&] {
+            image = draw(format, devicePixelRatio);
+            measured = m_handler->intrinsicSize(&m_doc, 0, format);
+        };
+        if (offThread) {
+            std::unique_ptr<QThread> thread(QThread::create(run));
+            thread->start();
+            QVERIFY(thread->wait(10000));
+        } else {
+            run();
+        }
+        QCOMPARE(measured, size);
+        if (drawn.isValid())
+            QCOMPARE(image.pixelColor(image.width() / 2, image.height() / 2), drawn);
+    }
+
+    void tintedOffTheMainThreadAndFarTooLarge()
+    {
+        QImage image;
+        std::unique_ptr<QThread> thread(
+            QThread::create([&] { image = draw(tinted("shape", QColor("#3a7bd5"))); }));
+        thread->start();
+        QVERIFY(thread->wait(10000));
+        QCOMPARE(image.pixelColor(5, 5), QColor("#3a7bd5"));
+        QVERIFY(!resourceOf("shape_#3a7bd5").isNull());
+        // However large the format asks for, the rendering stays within the picture limit.
+        QTextImageFormat huge = tinted("shape", Qt::green);
+        huge.setWidth(100000);
+        huge.setHeight(50000);
+        QCOMPARE(draw(huge).pixelColor(5, 5), QColor(Qt::green));
+        QVERIFY(resourceOf("shape_#00ff00").value<QPixmap>().width() <= CResourceGuard::MaxImageSide);
     }
 
     void unusableImagesShowTheGenericFileIcon_data()
