@@ -159,6 +159,15 @@ private slots:
         ConversationScreen screen;
         QVERIFY(screen.open(kPrinter));
         QTemporaryDir elsewhere;
+        // Cancelled, the dialog saves nothing; a place that cannot be written is reported.
+        HostControl::scriptSaveAsDialog(QString());
+        QVERIFY(choose(screen, "att-scan-log", "scan-log.txt", 1));
+        HostControl::scriptSaveAsDialog(elsewhere.filePath("missing/kept.txt"));
+        QVERIFY(choose(screen, "att-scan-log", "scan-log.txt", 1));
+        QTRY_COMPARE(HostControl::events("balloon").size(), 1);
+        QVERIFY(HostControl::events("balloon").first().details.value("text").toString().startsWith(
+            "The file could not be saved as"));
+        QCOMPARE(downloadsOf("att-scan-log"), 1);
         HostControl::scriptSaveAsDialog(elsewhere.filePath("kept.txt"));
         QVERIFY(choose(screen, "att-scan-log", "scan-log.txt", 1));
         QTRY_VERIFY(QFileInfo(elsewhere.filePath("kept.txt")).isFile());

@@ -251,20 +251,23 @@ private slots:
     void aRefusedMessageStaysMarkedFailed_data()
     {
         QTest::addColumn<int>("status");
+        QTest::addColumn<QString>("reason");
         QTest::addColumn<QString>("shown");
-        QTest::newRow("too large") << 413 << CMessageSender::tooLargeText();
-        QTest::newRow("server error") << 500 << QStringLiteral("Internal trouble");
+        QTest::newRow("too large") << 413 << "Internal trouble" << CMessageSender::tooLargeText();
+        QTest::newRow("server error") << 500 << "Internal trouble" << QStringLiteral("Internal trouble");
+        QTest::newRow("no reason given") << 500 << " "
+                                         << "The message could not be sent. Please try again later.";
     }
 
     void aRefusedMessageStaysMarkedFailed()
     {
         QFETCH(int, status);
+        QFETCH(QString, reason);
         QFETCH(QString, shown);
         ConversationScreen screen;
         QVERIFY(screen.open(kPrinter));
         HostControl::clearEvents();
-        HostControl::failNextRequest(QStringLiteral("/communications"), status,
-                                     QStringLiteral("Internal trouble"));
+        HostControl::failNextRequest(QStringLiteral("/communications"), status, reason);
         QTemporaryDir dir;
         const QString log = dir.filePath(QStringLiteral("scan.log"));
         QFile file(log);

@@ -223,6 +223,9 @@ private slots:
         const QVariantMap toast = HostControl::events("toast").first().details;
         QCOMPARE(toast.value("text").toString(), "<b>Outage</b><br/>Outage in short");
         QCOMPARE(toast.value("slot").toString(), "1onToastClicked()");
+        // Clicking the toast brings the page up.
+        QVERIFY(QMetaObject::invokeMethod(screen.plugin.get(), "onToastClicked"));
+        QVERIFY(screen.plugin->isSelected());
         HostControl::addNewsEntry(urgentNews("u2", "Update", "-2h"));
         QTRY_VERIFY(screen.item("u2").isValid());
         QCOMPARE(HostControl::events("toast").size(), 1);
