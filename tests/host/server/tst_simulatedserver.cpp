@@ -1,6 +1,6 @@
-// The simulated support server as the request handlers and service facades see it: sends stored or refused
-// with their status, limits, drafts, thread order and threads assigned later; its answers to requests of any
-// shape, and the control surface that changes its data.
+// The simulated support server: its answers to requests of any shape (sends stored or refused with their
+// status and limits), scripted failures and latency, the control surface that changes its data, and as the
+// request handlers and service facades see it: drafts, thread order and threads assigned later.
 #include "ChatServiceApi.h"
 #include "CommunicationEntityUpdateHandler.h"
 #include "GeneratedConversation.h"
@@ -13,7 +13,6 @@
 #include <QJsonDocument>
 #include <QNetworkReply>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 namespace {
@@ -77,63 +76,6 @@ private slots:
                  qPrintable(error));
     }
 
-    void sendIsStoredOrRefusedWithItsStatus_data()
-    {
-        QTest::addColumn<QString>("thread");
-        QTest::addColumn<int>("textLength");
-        QTest::addColumn<QList<int>>("fileSizes");
-        QTest::addColumn<int>("status"); // 0: stored
-        QTest::newRow("unknown thread") << "nowhere" << 1 << QList<int>{} << 404;
-        QTest::newRow("closed conversation") << "conv-closed" << 1 << QList<int>{} << 409;
-        QTest::newRow("text above the limit") << "conv-a" << kMessageLengthLimit + 1 << QList<int>{} << 400;
-        QTest::newRow("one file above the limit") << "conv-a" << 1 << QList<int>{1500} << 413;
-        QTest::newRow("files summing above the limit") << "conv-a" << 1 << QList<int>{600, 600} << 413;
-        QTest::newRow("exactly the limits") << "conv-a" << kMessageLengthLimit << QList<int>{1000} << 0;
-        QTest::newRow("two small files") << "conv-a" << 1 << QList<int>{300, 400} << 0;
-    }
-
-    void sendIsStoredOrRefusedWithItsStatus()
-    {
-        QFETCH(QString, thread);
-        QFETCH(int, textLength);
-        QFETCH(QList<int>, fileSizes);
-        QFETCH(int, status);
-        HostControl::setMessageLengthLimit(kMessageLengthLimit);
-        HostControl::setAttachmentSizeLimit(kAttachmentLimit);
-        QTemporaryDir dir;
-        QList<AttachmentEntity> files;
-        for (int i = 0; i < fileSizes.size(); ++i) {
-            QFile file(dir.filePath(QStringLiteral("file%1.bin").arg(i)));
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write(QByteArray(fileSizes.at(i), char('a' + i)));
-            files.append({QString(), file.fileName(), {}, {}});
-        }
-        auto* handler = ChatServiceApi::startCreateThreadMessage(
-            thread, QString(textLength, QLatin1Char('x')), files, false);
-        QSignalSpy errors(handler, &CAbstractRestApi::requestErrorOccured);
-        QSignalSpy finished(handler, &CAbstractRestApi::finished);
-        QVERIFY(waitFor(finished));
-        QCOMPARE(finished.first().first().toBool(), status == 0);
-        if (status != 0) {
-            QCOMPARE(errors.first().at(0).toInt(), status);
-            if (status == 413)
-                QCOMPARE(errors.first().at(2).toString(), QStringLiteral("Payload Too Large"));
-            QCOMPARE(threadSize(), kMessagesInConvA);
-            return;
-        }
-        QCOMPARE(threadSize(), kMessagesInConvA + 1);
-        const QJsonArray stored = HostControl::threadMessages(QStringLiteral("conv-a"))
-                                      .last()[QStringLiteral("attachments")]
-                                      .toArray();
-        QCOMPARE(stored.size(), fileSizes.size());
-        for (int i = 0; i < fileSizes.size(); ++i) {
-            QCOMPARE(QByteArray::fromBase64(stored.at(i)[QStringLiteral("data")].toString().toLatin1()),
-                     QByteArray(fileSizes.at(i), char('a' + i)));
-            QCOMPARE(stored.at(i)[QStringLiteral("fileName")].toString(),
-                     QStringLiteral("file%1.bin").arg(i));
-        }
-    }
-
     void answersRequestsOfAnyShape_data()
     {
         QTest::addColumn<QByteArray>("verb");
@@ -141,6 +83,8 @@ private slots:
         QTest::addColumn<QJsonObject>("body");
         QTest::addColumn<int>("status");
         const QJsonArray file{QJsonObject{{"fileName", "a.txt"}, {"data", "aGk="}}};
+        const QJsonArray exact{
+            QJsonObject{{"fileName", "a.bin"}, {"data", QString(QByteArray(1000, 'x').toBase64())}}};
         const QJsonArray large{
             QJsonObject{{"fileName", "a.bin"}, {"data", QString(QByteArray(1500, 'x').toBase64())}}};
         const QJsonArray unreadable{QJsonObject{{"fileName", "a.txt"}, {"unreadable", true}}};
@@ -155,8 +99,14 @@ private slots:
             {{"text", "x"}, {"attachments", unreadable}}, 400);
         row("edit of nothing", "PUT", "/communications/nope", {{"text", "x"}}, 404);
         row("edit too long", "PUT", "/communications/m-mid", {{"text", "eleven char"}}, 400);
-        row("edit with too much", "PUT", "/communications/m-mid", {{"text", "x"}, {"attachments", large}},
-            413);
+        row("closed conversation", "POST", "/threads/conv-closed/communications", {{"text", "x"}}, 409);
+        row("draft in a closed conversation", "POST", "/threads/conv-closed/communications",
+            {{"text", "x"}, {"isDraft", true}}, 201);
+        row("text above the limit", "POST", "/threads/conv-a/communications", {{"text", "eleven char"}}, 400);
+        row("files above the limit", "POST", "/threads/conv-a/communications",
+            {{"text", "x"}, {"attachments", large}}, 413);
+        row("exactly the limits", "POST", "/threads/conv-a/communications",
+            {{"text", "ten chars!"}, {"attachments", exact}}, 201);
         row("edit with a file", "PUT", "/communications/m-mid", {{"text", "x"}, {"attachments", file}}, 200);
         row("draft sent", "PUT", "/communications/d-a",
             {{"text", "sent"}, {"isDraft", false}, {"attachments", file}}, 200);
