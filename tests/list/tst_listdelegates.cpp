@@ -147,18 +147,6 @@ private slots:
         QVERIFY2(share < 0.01, qPrintable(QStringLiteral("%1 of the pixels differ").arg(share)));
     }
 
-    void rowsHaveTheirFixedSizes()
-    {
-        QStandardItemModel model(2, 2);
-        model.setData(model.index(0, 0), true, Model::IsFolderRole);
-        const CPluginItemDelegate delegate;
-        QCOMPARE(delegate.sizeHint(rowOption(10), model.index(0, 0)), QSize(kRowWidth, 41));
-        QCOMPARE(delegate.sizeHint(rowOption(10), model.index(1, 0)), QSize(kRowWidth, kEntryHeight));
-        QCOMPARE(delegate.sizeHint(rowOption(10), model.index(0, 1)), QSize(24, kEntryHeight));
-        const QFont font = CPluginItemDelegate::makeFont(QFont(), 9, 600, 1 | 2 | 4);
-        QVERIFY(font.pointSize() == 9 && font.italic() && font.underline() && font.strikeOut());
-    }
-
     void hideButtonSitsAtTheRightAndNamesItsRow()
     {
         QStandardItemModel model;

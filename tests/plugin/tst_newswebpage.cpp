@@ -34,40 +34,6 @@ private slots:
         HostControl::setOpenExternally(false);
     }
 
-    void judgesEveryKindOfNavigation_data()
-    {
-        QTest::addColumn<QUrl>("url");
-        QTest::addColumn<int>("type");
-        QTest::addColumn<bool>("mainFrame");
-        QTest::addColumn<int>("verdict");
-        using P = QWebEnginePage;
-        const QUrl entry("data:text/html;charset=UTF-8,%3Cp%3Enews%3C%2Fp%3E");
-        const QUrl site("https://example.com/offer");
-        const QUrl file("file:///etc/hostname");
-        const auto row = [](const char* name, const QUrl& url, P::NavigationType type, bool main,
-                            int verdict) { QTest::newRow(name) << url << int(type) << main << verdict; };
-        row("the entry", entry, P::NavigationTypeTyped, true, CNewsWebPage::Show);
-        row("link", site, P::NavigationTypeLinkClicked, true, CNewsWebPage::OpenExternally);
-        row("mail", QUrl("mailto:news@example.com"), P::NavigationTypeLinkClicked, true,
-            CNewsWebPage::OpenExternally);
-        row("form", site, P::NavigationTypeFormSubmitted, true, CNewsWebPage::OpenExternally);
-        row("file link", file, P::NavigationTypeLinkClicked, true, CNewsWebPage::Ignore);
-        row("script scheme", QUrl("javascript:alert(1)"), P::NavigationTypeLinkClicked, true,
-            CNewsWebPage::Ignore);
-        row("frame to a site", site, P::NavigationTypeOther, false, CNewsWebPage::Ignore);
-        row("frame inline", QUrl("about:srcdoc"), P::NavigationTypeOther, false, CNewsWebPage::Show);
-        row("link in a frame", site, P::NavigationTypeLinkClicked, false, CNewsWebPage::OpenExternally);
-    }
-
-    void judgesEveryKindOfNavigation()
-    {
-        QFETCH(QUrl, url);
-        QFETCH(int, type);
-        QFETCH(bool, mainFrame);
-        QFETCH(int, verdict);
-        QCOMPARE(int(CNewsWebPage::judge(url, QWebEnginePage::NavigationType(type), mainFrame)), verdict);
-    }
-
     void theViewShowsOnlyTheEntry_data()
     {
         QTest::addColumn<QString>("body");
