@@ -117,27 +117,6 @@ private slots:
         QCOMPARE(HostControl::events("openLink").size(), 1);
     }
 
-    void theThreadsLinksWorkByKeyboard()
-    {
-        ConversationScreen screen;
-        QVERIFY(screen.open(kPrinter));
-        QTextBrowser* thread = screen.thread();
-        // Once the pictures are in, no download ring (whose link cancels) is left in the thread.
-        (void)QTest::qWaitFor(
-            [&screen] { return hasImage(screen.document(), "att-exceptions-photo-thumbnail"); }, 20000);
-        QTRY_VERIFY(!screen.document()->toHtml().contains("abort://"));
-        thread->setFocus();
-        thread->moveCursor(QTextCursor::Start);
-        // Tab moves to the first link; Return follows it as a click would.
-        QTest::keyClick(thread, Qt::Key_Tab);
-        QVERIFY(newsReader::isAttachLink(thread->textCursor().charFormat().anchorHref()));
-        QTest::keyClick(thread, Qt::Key_Return);
-        QVERIFY(thread->findChild<QMenu*>("attachmentMenu"));
-        thread->verticalScrollBar()->setValue(0);
-        QTest::keyClick(thread, Qt::Key_PageDown);
-        QVERIFY(thread->verticalScrollBar()->value() > 0);
-    }
-
     void aFailedDownloadLeavesNoFileAndTellsTheUser()
     {
         ConversationScreen screen;
