@@ -95,29 +95,23 @@ private slots:
         QTest::addColumn<QSizeF>("size");
         QTest::addColumn<QColor>("drawn");
         // pic.png is 20 x 10 and red; hi.png exists only as its high-resolution variant hi@2x.png, 40 x 20
-        // and blue; "png" is pic.png's data.
-        QTest::newRow("file") << "pic.png" << 0 << 0 << 1.0 << false << QSizeF(20, 10) << QColor(Qt::red);
-        QTest::newRow("file, width given")
-            << "pic.png" << 10 << 0 << 1.0 << false << QSizeF(10, 5) << QColor(Qt::red);
-        QTest::newRow("file, height given")
-            << "pic.png" << 0 << 20 << 1.0 << false << QSizeF(40, 20) << QColor(Qt::red);
-        QTest::newRow("file on a 2x screen")
-            << "hi.png" << 10 << 10 << 2.0 << false << QSizeF(10, 10) << QColor(Qt::blue);
-        QTest::newRow("data") << "png" << 0 << 0 << 1.0 << false << QSizeF(20, 10) << QColor(Qt::red);
-        QTest::newRow("resource file")
-            << TextImageHandler::fallbackImageName() << 0 << 0 << 1.0 << false << QSizeF(16, 16) << QColor();
-        QTest::newRow("off the main thread")
-            << "pic.png" << 0 << 0 << 1.0 << true << QSizeF(20, 10) << QColor(Qt::red);
-        QTest::newRow("off the main thread, width given")
-            << "pic.png" << 10 << 0 << 1.0 << true << QSizeF(10, 5) << QColor(Qt::red);
-        QTest::newRow("off the main thread, height given")
-            << "pic.png" << 0 << 20 << 1.0 << true << QSizeF(40, 20) << QColor(Qt::red);
-        QTest::newRow("data off the main thread")
-            << "png" << 0 << 0 << 1.0 << true << QSizeF(20, 10) << QColor(Qt::red);
-        QTest::newRow("off the main thread on a 2x screen")
-            << "hi.png" << 10 << 10 << 2.0 << true << QSizeF(10, 10) << QColor(Qt::blue);
-        QTest::newRow("missing file off the main thread")
-            << "nothing.png" << 10 << 10 << 1.0 << true << QSizeF(10, 10) << QColor();
+        // and blue; "png" is pic.png's data. Off the main thread the handler works without pixmaps.
+        const auto row = [](const char* name, const QString& source, int width, int height, qreal ratio,
+                            bool offThread, QSizeF size, QColor drawn) {
+            QTest::newRow(name) << source << width << height << ratio << offThread << size << drawn;
+        };
+        for (bool off : {false, true}) {
+            const char* const names[] = {"file", "width given", "height given", "2x screen", "data"};
+            const QString sources[] = {"pic.png", "pic.png", "pic.png", "hi.png", "png"};
+            const QSizeF sizes[] = {{20, 10}, {10, 5}, {40, 20}, {10, 10}, {20, 10}};
+            const int widths[] = {0, 10, 0, 10, 0}, heights[] = {0, 0, 20, 10, 0};
+            for (int i = 0; i < 5; ++i)
+                row(qPrintable(QStringLiteral("%1%2").arg(names[i], off ? ", off the main thread" : "")),
+                    sources[i], widths[i], heights[i], i == 3 ? 2.0 : 1.0, off, sizes[i],
+                    i == 3 ? QColor(Qt::blue) : QColor(Qt::red));
+        }
+        row("resource file", TextImageHandler::fallbackImageName(), 0, 0, 1.0, false, {16, 16}, {});
+        row("missing file off the main thread", "nothing.png", 10, 10, 1.0, true, {10, 10}, {});
     }
 
     void picturesTakeTheirSizeFromTheFormatOrThemselves()
