@@ -9,8 +9,6 @@
 #include "PluginNavigator.h"
 #include "ToastPopup.h"
 
-#include <QTest>
-
 class TestHostWindow : public QObject
 {
     Q_OBJECT

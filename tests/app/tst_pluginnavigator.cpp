@@ -9,7 +9,6 @@
 #include "PluginNavigator.h"
 
 #include <QSignalSpy>
-#include <QTest>
 #include <QTreeView>
 
 namespace {

@@ -110,14 +110,11 @@ private slots:
         QTest::addColumn<QString>("message");
         QTest::addColumn<int>("limit");
         QTest::addColumn<QString>("balloon");
-        QTest::newRow("both empty") << ""
-                                    << "" << 4000 << kSubjectBalloon;
-        QTest::newRow("subject of spaces") << "   "
-                                           << "hello" << 4000 << kSubjectBalloon;
-        QTest::newRow("message of white space") << "Printer"
-                                                << " \n\t " << 4000 << kMessageBalloon;
-        QTest::newRow("too long") << "Printer"
-                                  << "eleven char" << 10 << kTooLongBalloon;
+        QTest::newRow("both empty") << QString() << QString() << 4000 << kSubjectBalloon;
+        QTest::newRow("subject of spaces") << QString("   ") << QString("hello") << 4000 << kSubjectBalloon;
+        QTest::newRow("message of white space")
+            << QString("Printer") << QString(" \n\t ") << 4000 << kMessageBalloon;
+        QTest::newRow("too long") << QString("Printer") << QString("eleven char") << 10 << kTooLongBalloon;
     }
 
     void validatesInOrder()

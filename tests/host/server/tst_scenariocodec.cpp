@@ -7,7 +7,6 @@
 #include <QJsonDocument>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTest>
 
 class TestScenarioCodec : public QObject
 {

@@ -13,7 +13,6 @@
 #include <QJsonDocument>
 #include <QNetworkReply>
 #include <QSignalSpy>
-#include <QTest>
 
 namespace {
 

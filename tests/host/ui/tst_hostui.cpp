@@ -32,7 +32,6 @@
 #include <QSignalSpy>
 #include <QStackedWidget>
 #include <QSvgRenderer>
-#include <QTest>
 #include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
