@@ -99,7 +99,6 @@ protected:
 
 private:
     friend class TestMessageItemsDocument;
-    friend class TestMessageStates;
     friend class TestAttachmentTiles;
 
     using BlockPredicate = std::function<bool(const QTextBlock&)>;

@@ -10,7 +10,6 @@
 #include <QRegularExpression>
 #include <QSet>
 #include <QTemporaryDir>
-#include <QTest>
 
 namespace {
 constexpr int kHostTimeoutMs = 120000;

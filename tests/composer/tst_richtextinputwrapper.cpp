@@ -10,6 +10,7 @@
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextEdit>
+#include <QTextList>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -277,6 +278,58 @@ private slots:
         QCOMPARE(rendered.fontFixedPitch(), original.fontFixedPitch());
         QCOMPARE(rendered.property(QTextFormat::FontSizeAdjustment).toInt(),
                  original.property(QTextFormat::FontSizeAdjustment).toInt());
+    }
+
+    // Lists, line breaks and text that looks like Markdown, as pasted or typed, read the same in the thread.
+    void pastedStructureReadsTheSameInTheThread_data()
+    {
+        QTest::addColumn<QString>("html");
+        QTest::newRow("bullets") << "<ul><li>one</li><li>two</li></ul><p>after the list</p>";
+        QTest::newRow("numbers") << "<p>before</p><ol><li>one</li><li>two</li></ol>";
+        QTest::newRow("nested") << "<ul><li>one<ul><li>inner</li><li>more</li></ul></li><li>two</li></ul>";
+        QTest::newRow("line break") << "<p>first line<br>second line</p><p>  indented</p>";
+        QTest::newRow("looks like Markdown")
+            << "<p>1. not a list</p><p>2) nor this</p><p># nor a heading</p>";
+        QTest::newRow("styles side by side") << "<p><b>bo</b><b>ld</b> <i> spaced </i> <s>gone</s></p>";
+        QTest::newRow("code with a backtick") << "<p><code>a`b</code> and <code> c </code></p>";
+    }
+
+    void pastedStructureReadsTheSameInTheThread()
+    {
+        QFETCH(QString, html);
+        editor->setHtml(html);
+        QTextDocument thread;
+        QTextCursor(&thread).insertMarkdown(RichTextInputWrapper::messageMarkdown(document()),
+                                            QTextDocument::MarkdownDialectGitHub);
+        const auto shape = [](const QTextDocument* text) {
+            QStringList blocks;
+            for (QTextBlock block = text->begin(); block.isValid(); block = block.next()) {
+                if (block.text().trimmed().isEmpty())
+                    continue;
+                const QTextList* list = block.textList();
+                const QString prefix =
+                    list ? QStringLiteral("%1%2 ")
+                               .arg(list->format().style() == QTextListFormat::ListDecimal ? "1." : "-")
+                               .arg(list->format().indent())
+                         : QString();
+                // A line break may come back as a block of its own; it looks the same.
+                for (const QString& line : block.text().split(QChar::LineSeparator))
+                    blocks << prefix + line.simplified();
+            }
+            return blocks;
+        };
+        QCOMPARE(shape(&thread), shape(document()));
+        for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
+            for (auto it = block.begin(); !it.atEnd(); ++it) {
+                const QTextFragment fragment = it.fragment();
+                const QTextCursor found = thread.find(fragment.text().trimmed());
+                if (fragment.text().trimmed().isEmpty() || found.isNull())
+                    continue;
+                for (int each : {Bold, Italic, StrikeOut})
+                    QCOMPARE(hasStyle(formatAt(&thread, found.selectionStart()), each),
+                             hasStyle(fragment.charFormat(), each));
+            }
+        }
     }
 };
 

@@ -1,6 +1,6 @@
-// Paths a new user takes through the page: starting a conversation from wherever they are, seeing their
-// request while support has not answered, a thread that says why it is empty, hiding list rows without a
-// mouse, and the whole page and dialog in German.
+// Paths a new user takes through the page: from the list to a sent message without a mouse, starting a
+// conversation from wherever they are and seeing the request while support has not answered, a thread that
+// says why it is empty, and the whole page and dialog in German.
 #include "../translations/CatalogueReader.h"
 #include "CNewIncidentDialog.h"
 #include "ConversationScreen.h"
@@ -8,10 +8,8 @@
 
 #include <QApplication>
 #include <QComboBox>
-#include <QContextMenuEvent>
 #include <QHBoxLayout>
 #include <QLineEdit>
-#include <QMenu>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QStackedWidget>
@@ -21,7 +19,6 @@
 
 namespace {
 
-constexpr int kNoThreadPage = 2;
 constexpr int kRequestReceivedPage = 1;
 
 // Runs `fill` on the modal dialog from inside its own event loop, once it is open.
@@ -127,17 +124,28 @@ private slots:
         QVERIFY(QApplication::focusWidget() != screen.editor());
     }
 
+    void aNewConversationCanBeStartedFromEveryPage_data()
+    {
+        QTest::addColumn<bool>("zendesk");
+        QTest::newRow("own conversations") << false;
+        QTest::newRow("host with Zendesk tickets: none offered") << true;
+    }
+
     void aNewConversationCanBeStartedFromEveryPage()
     {
+        QFETCH(bool, zendesk);
+        HostControl::setAllowed(QStringLiteral("useZendeskTickets"), zendesk);
         ConversationScreen screen;
         QVERIFY(screen.open(QStringLiteral("conv-printer")));
         for (const char* link : {"writeUsLabel", "folderWriteUsLabel", "noThreadWriteUsLabel"})
-            QVERIFY2(!screen.control<QLabel>(link)->text().isEmpty(), link);
+            QVERIFY2(screen.labelText(link).isEmpty() == zendesk, link);
+        QVERIFY(!zendesk || screen.labelText("entryWriteUsLabel").isEmpty());
         auto* button = screen.control<QToolButton>("newConversationButton");
-        QVERIFY(button->isVisible());
-        QCOMPARE(button->accessibleName(), QStringLiteral("New conversation"));
+        QCOMPARE(button->isVisible(), !zendesk);
+        QCOMPARE(button->accessibleName(), zendesk ? QString() : QStringLiteral("New conversation"));
 
-        // Ctrl+N anywhere on the page and each write-us link open the dialog; closing it changes nothing.
+        // Ctrl+N anywhere on the page, the button and each write-us link open the dialog; closing it changes
+        // nothing. Other broadcasts of the host open nothing.
         QStringList titles;
         const auto closeDialog = [this, &titles] {
             whenDialogOpens(this, [&titles](CNewIncidentDialog* dialog) {
@@ -147,47 +155,39 @@ private slots:
         };
         closeDialog();
         QTest::keyClick(screen.thread(), Qt::Key_N, Qt::ControlModifier);
+        closeDialog();
+        button->click();
         for (const char* link : {"writeUsLabel", "folderWriteUsLabel", "noThreadWriteUsLabel"}) {
             closeDialog();
             emit screen.control<QLabel>(link)->linkActivated(QStringLiteral("#write"));
         }
-        QCOMPARE(HostControl::events(QStringLiteral("dialogExecuted")).size(), 4);
-        QCOMPARE(titles, QStringList(4, QStringLiteral("Write us a message")));
+        vantrelApp->broadcastRequest(BroadcastShowAbout);
+        QCOMPARE(titles, QStringList(zendesk ? 0 : 5, QStringLiteral("Write us a message")));
+        QCOMPARE(HostControl::events(QStringLiteral("dialogExecuted")).size(), titles.size());
+        if (zendesk)
+            return;
 
-        // After OK the new conversation is selected and the page confirms the request with what was asked.
+        // The host's "write to support" selects the page and opens the dialog; after OK the new conversation
+        // is selected and the page confirms the request with what was asked.
+        screen.plugin->setIsSelected(false);
         whenDialogOpens(this, [](CNewIncidentDialog* dialog) {
             dialog->findChild<QLineEdit*>(QStringLiteral("subjectEdit"))->setText(QStringLiteral("Fax"));
             dialog->findChild<QPlainTextEdit*>(QStringLiteral("messageEdit"))
                 ->setPlainText(QStringLiteral("The fax line is silent."));
             dialog->okButton()->click();
         });
-        button->click();
-        auto* pages = screen.control<QStackedWidget>("stackedWidget");
-        QTRY_COMPARE(pages->currentIndex(), kNoThreadPage);
-        QCOMPARE(screen.control<QStackedWidget>("noThreadStack")->currentIndex(), kRequestReceivedPage);
-        QCOMPARE(screen.control<QLabel>("noThreadSubject")->text(), QStringLiteral("Fax"));
-        QCOMPARE(screen.control<QLabel>("noThreadFirstMessage")->text(),
-                 QStringLiteral("The fax line is silent."));
+        vantrelApp->broadcastRequest(BroadcastWriteToSupport);
+        QVERIFY(screen.plugin->isSelected());
+        QTRY_COMPARE(screen.page(), int(NoThreadPage));
+        QCOMPARE(screen.page("noThreadStack"), kRequestReceivedPage);
+        QCOMPARE(screen.labelText("noThreadSubject"), QStringLiteral("Fax"));
+        QCOMPARE(screen.labelText("noThreadFirstMessage"), QStringLiteral("The fax line is silent."));
         const QString selected = HostControl::events(QStringLiteral("select"))
                                      .last()
                                      .details.value(QStringLiteral("key"))
                                      .toString();
-        QCOMPARE(screen.model()->indexForKey(selected).data(CCommunicationObjectModel::TitleRole).toString(),
+        QCOMPARE(screen.item(selected).data(CCommunicationObjectModel::TitleRole).toString(),
                  QStringLiteral("Fax"));
-    }
-
-    void hostsWithoutOwnConversationsOfferNone()
-    {
-        HostControl::setAllowed(QStringLiteral("useZendeskTickets"), true);
-        ConversationScreen screen;
-        QVERIFY(screen.open(QStringLiteral("conv-printer")));
-        for (const char* link :
-             {"writeUsLabel", "folderWriteUsLabel", "noThreadWriteUsLabel", "entryWriteUsLabel"})
-            QVERIFY2(screen.control<QLabel>(link)->text().isEmpty(), link);
-        QVERIFY(!screen.control<QToolButton>("newConversationButton")->isVisible());
-        QTest::keyClick(screen.thread(), Qt::Key_N, Qt::ControlModifier);
-        emit screen.control<QLabel>("writeUsLabel")->linkActivated(QStringLiteral("#write"));
-        QVERIFY(HostControl::events(QStringLiteral("dialogExecuted")).isEmpty());
     }
 
     void theThreadSaysWhileItLoads()
@@ -205,58 +205,6 @@ private slots:
         QTRY_VERIFY(screen.messageCount() > 0);
         QVERIFY(!placeholder->isVisible());
         QVERIFY(screen.thread()->accessibleDescription().isEmpty());
-    }
-
-    void listRowsAreHiddenByKeyboard()
-    {
-        CNewsReaderPlugin plugin;
-        QTreeView tree;
-        tree.setModel(plugin.getPluginModel().get());
-        tree.setItemDelegate(plugin.getPluginItemDelegate());
-        tree.expandAll();
-        // The host opens the rows' editors (the hide buttons), as it does after every rebuild.
-        const QAbstractItemModel* model = tree.model();
-        QList<QPersistentModelIndex> hideable;
-        QModelIndex pinned;
-        for (const QModelIndex& row :
-             model->match(model->index(0, 0), CCommunicationObjectModel::IsFolderRole, false, -1,
-                          Qt::MatchExactly | Qt::MatchRecursive)) {
-            tree.openPersistentEditor(row);
-            if (tree.indexWidget(row))
-                hideable << row;
-            else if (!pinned.isValid())
-                pinned = row;
-        }
-        QVERIFY(hideable.size() >= 2 && pinned.isValid());
-        tree.show();
-        const auto idOf = [](const QModelIndex& row) {
-            return row.data(CCommunicationObjectModel::KeyRole).toString();
-        };
-        const QString pinnedId = idOf(pinned);
-        const QString firstId = idOf(hideable.at(0));
-        const QString secondId = idOf(hideable.at(1));
-
-        // Delete does nothing on a row that cannot be hidden, and hides one that can.
-        tree.setCurrentIndex(pinned);
-        QTest::keyClick(&tree, Qt::Key_Delete);
-        tree.setCurrentIndex(hideable.at(0));
-        QTest::keyClick(&tree, Qt::Key_Delete);
-        QTRY_VERIFY(HostControl::isNewsEntryHidden(firstId));
-        QVERIFY(!HostControl::isNewsEntryHidden(pinnedId));
-
-        // The Menu key opens the current row's menu; its one action hides the row.
-        tree.setCurrentIndex(plugin.getPluginModel()
-                                 ->match(model->index(0, 0), CCommunicationObjectModel::KeyRole, secondId, 1,
-                                         Qt::MatchExactly | Qt::MatchRecursive)
-                                 .value(0));
-        QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, QPoint(), QPoint());
-        QApplication::sendEvent(&tree, &menuKey);
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        QVERIFY(menu);
-        QCOMPARE(menu->actions().size(), 1);
-        QCOMPARE(menu->actions().first()->text(), QStringLiteral("Hide"));
-        menu->actions().first()->trigger();
-        QTRY_VERIFY(HostControl::isNewsEntryHidden(secondId));
     }
 
     void germanUsersSeeNoEnglish()

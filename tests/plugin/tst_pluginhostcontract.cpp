@@ -1,25 +1,58 @@
-// What the plugin object answers the host and asks of it, on a plugin constructed inside the stand-in host.
+// What the plugin object answers the host and asks of it, on a plugin constructed inside the stand-in host;
+// what it shows for the item the host's navigation tree selects: read marks, the right-hand page, the news
+// web page, the conversation header, the one toast and the empty list; and the news view's page, which shows
+// the entry and nothing else: what the entry's content starts goes to the system browser (web addresses) or
+// nowhere (local files, other schemes).
 #include "HostTestMain.h"
 
-#include "CNewsFetcher.h"
-#include "CNewsReaderPlugin.h"
-#include "CReadNewsEntryRequest.h"
+#include "CNewsWebPage.h"
+#include "ConversationScreen.h"
 #include "QtHelpersImages.h"
 
-#include "CNewIncidentDialog.h"
-
-#include <QApplication>
 #include <QJsonObject>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QTimer>
+#include <QSignalSpy>
+#include <QWebEnginePage>
+#include <QWebEngineView>
 
 namespace {
 
 bool sameIcon(const QIcon& a, const QIcon& b)
 {
     return a.pixmap(32).toImage() == b.pixmap(32).toImage();
+}
+
+QJsonObject urgentNews(const QString& id, const QString& title, const QString& published = "-1h",
+                       const QString& html = QString())
+{
+    return {{"id", id},       {"kind", "important"},
+            {"title", title}, {"subtitle", QString(title + " in short")},
+            {"html", html},   {"published", published},
+            {"read", false}};
+}
+
+QJsonObject conversation(const QString& id, const QString& created, bool hasThread = false)
+{
+    return {{"id", id},
+            {"subject", "Printer offline"},
+            {"hasThread", hasThread},
+            {"created", created},
+            {"firstMessage", "It stopped printing this morning."}};
+}
+
+} // namespace
+
+namespace {
+
+constexpr int kLoadTimeoutMs = 20000;
+// Every entry ends by sending the page here; once it arrives, whatever the entry tried before was decided.
+const QString kSentinel = QStringLiteral("https://sentinel.example/");
+
+QStringList openedLinks()
+{
+    QStringList urls;
+    for (const HostControl::Event& event : HostControl::events(QStringLiteral("openLink")))
+        urls << event.details.value(QStringLiteral("url")).toString();
+    return urls;
 }
 
 } // namespace
@@ -31,15 +64,9 @@ class TestPluginHostContract : public QObject
 private slots:
     void init()
     {
-        HostControl::resetSwitches();
-        HostControl::clearServer();
-        HostControl::removeSetting(QStringLiteral("UIShowNews"));
+        QVERIFY(emptyServer());
         HostControl::clearEvents();
-        HostControl::clearRequestLog();
-        // The fetcher learns of the emptied server through the event loop, like of any other change.
-        const auto everything = CNewsFetcher::FilterImportant | CNewsFetcher::FilterOffers |
-                                CNewsFetcher::FilterIssues | CNewsFetcher::FilterIncludeHidden;
-        QTRY_VERIFY(vantrelApp->getNewsFetcher()->getNewsList(everything).empty());
+        HostControl::setOpenExternally(false);
     }
 
     void visibilityFollowsTheFeatureSwitches_data()
@@ -128,60 +155,169 @@ private slots:
         QCOMPARE(begun, modes);
     }
 
-    void readNewsEntryRequestReloadsConversationsAndSelectsThePage()
+    void selectingANewsEntryMarksItReadOnceAndShowsItsPage()
     {
-        CNewsReaderPlugin plugin;
-        HostControl::recordPluginRequests(&plugin);
+        HostControl::addNewsEntry(urgentNews("n0", "New", "-1m"));
+        HostControl::addNewsEntry(urgentNews("n1", "Sale", "-1h", "<h1>Spring sale</h1>"));
+        ConversationScreen screen;
+        QTRY_VERIFY(screen.item("n1").isValid());
+        screen.select("folder-0");
+        QTRY_COMPARE(screen.page(), int(FolderPage));
+        QSignalSpy readRequests(screen.model(), &CCommunicationObjectModel::markNewsEntryReadRequest);
+        HostControl::clearEvents();
+        auto* webView = screen.view->findChild<QWebEngineView*>();
+        QSignalSpy loads(webView, &QWebEngineView::loadFinished);
 
-        QEvent other(QEvent::User);
-        other.ignore();
-        QVERIFY(!vantrelApp->postApplicationEvent(&other));
-        QVERIFY(HostControl::events(QStringLiteral("selectPage")).isEmpty());
-
-        CReadNewsEntryRequest request(QStringLiteral("no-such-entry"), 3);
-        QVERIFY(vantrelApp->postApplicationEvent(&request));
-        QVERIFY(plugin.isSelected());
-        QCOMPARE(HostControl::events(QStringLiteral("selectPage")).size(), 1);
-        // The entry is not listed: the fetcher is asked to reload the conversations from the server.
-        QTRY_VERIFY(!HostControl::requestLog().isEmpty());
+        screen.select("n1");
+        screen.select("n1");
+        QCOMPARE(readRequests.size(), 1);
+        QCOMPARE(screen.page("newsStack"), int(NewsViewPage));
+        QTRY_COMPARE(screen.page(), int(EntryPage));
+        QVERIFY(!HostControl::events("hideEmptyList").isEmpty());
+        QTRY_VERIFY(HostControl::isNewsEntryRead("n1"));
+        if (!QTest::qWaitFor([&] { return !loads.isEmpty(); }, 15000))
+            QSKIP("QtWebEngine does not load pages here; the pages were checked");
+        const auto pageHtml = [webView] {
+            auto html = std::make_shared<QString>();
+            webView->page()->toHtml([html](const QString& text) { *html = text; });
+            return html;
+        };
+        auto html = pageHtml();
+        QTRY_VERIFY_WITH_TIMEOUT(html->contains("Spring sale"), 15000);
+        // A folder clears the page.
+        loads.clear();
+        screen.select("folder-0");
+        QTRY_VERIFY_WITH_TIMEOUT(!loads.isEmpty(), 15000);
+        html = pageHtml();
+        QTRY_VERIFY_WITH_TIMEOUT(!html->isEmpty(), 15000);
+        QVERIFY(!html->contains("Spring sale"));
     }
 
-    void writeToSupportBroadcastOpensTheDialogAndListsTheNewConversation()
+    void aConversationShowsItsHeaderAndWhetherItsThreadIsStillComing_data()
     {
-        HostControl::setShowBalloons(false);
-        CNewsReaderPlugin plugin;
-        HostControl::recordPluginRequests(&plugin);
-        vantrelApp->broadcastRequest(BroadcastShowAbout);
-        QVERIFY(!plugin.isSelected());
-        QVERIFY(HostControl::events(QStringLiteral("dialogExecuted")).isEmpty());
+        QTest::addColumn<QString>("created");
+        QTest::addColumn<bool>("hasThread");
+        QTest::addColumn<int>("page");
+        QTest::addColumn<int>("noThreadPage");
+        QTest::newRow("thread") << "-30s" << true << int(EntryPage) << 0;
+        QTest::newRow("created 30 s ago") << "-30s" << false << int(NoThreadPage) << 1;
+        QTest::newRow("created 2 min ago") << "-2m" << false << int(NoThreadPage) << 0;
+    }
 
-        // The dialog runs modally: fill it in and press OK from inside its own event loop.
-        bool filledIn = false;
-        QTimer::singleShot(0, this, [&filledIn] {
-            auto* dialog = qobject_cast<CNewIncidentDialog*>(QApplication::activeModalWidget());
-            if (!dialog)
-                return;
-            dialog->findChild<QLineEdit*>(QStringLiteral("subjectEdit"))
-                ->setText(QStringLiteral("Printer offline"));
-            dialog->findChild<QPlainTextEdit*>(QStringLiteral("messageEdit"))
-                ->setPlainText(QStringLiteral("It stopped printing this morning."));
-            dialog->okButton()->click();
-            filledIn = true;
-        });
-        vantrelApp->broadcastRequest(BroadcastWriteToSupport);
+    void aConversationShowsItsHeaderAndWhetherItsThreadIsStillComing()
+    {
+        QFETCH(QString, created);
+        QFETCH(bool, hasThread);
+        QFETCH(int, page);
+        QFETCH(int, noThreadPage);
+        HostControl::addConversation(conversation("c1", created, hasThread));
+        ConversationScreen screen;
+        QTRY_VERIFY(screen.item("c1").isValid());
+        HostControl::clearEvents();
+        screen.select("c1");
+        QCOMPARE(screen.page("newsStack"), int(ThreadPage));
+        QTRY_COMPARE(screen.page(), page);
+        QCOMPARE(screen.labelText("issueTitle"), "Printer offline");
+        QCOMPARE(screen.labelText("issueState"), "In progress");
+        if (hasThread)
+            return;
+        QCOMPARE(screen.page("noThreadStack"), noThreadPage);
+        // Until support answers, the page repeats what the user asked.
+        QCOMPARE(screen.labelText("noThreadSubject"), "Printer offline");
+        QCOMPARE(screen.labelText("noThreadFirstMessage"), "It stopped printing this morning.");
+        if (noThreadPage == 0)
+            QCOMPARE(screen.labelText("noMessagesLabel"),
+                     "Support has not answered yet. You will find the answer here.");
+        // The list is not empty, but the no-thread page leaves the host's list side alone.
+        QVERIFY(HostControl::events("hideEmptyList").isEmpty());
+        QCOMPARE(screen.labelText("issueCreateDate"),
+                 screen.item("c1").data(CCommunicationObjectModel::DateTextRole).toString());
+    }
 
-        QVERIFY(filledIn);
-        QVERIFY(plugin.isSelected());
-        const QList<HostControl::Event> dialogs = HostControl::events(QStringLiteral("dialogExecuted"));
-        QCOMPARE(dialogs.size(), 1);
-        QCOMPARE(dialogs.first().details.value(QStringLiteral("class")).toString(),
-                 QStringLiteral("CNewIncidentDialog"));
-        // The created conversation reaches the list through the news fetcher.
-        auto model = plugin.getPluginModel();
-        QTRY_VERIFY(model
-                        ->match(model->index(0, 0), Qt::DisplayRole, QStringLiteral("Printer offline"), 1,
-                                Qt::MatchStartsWith | Qt::MatchRecursive)
-                        .size() == 1);
+    void urgentNewsRaiseOneToastPerPluginLifetime()
+    {
+        ConversationScreen screen(false);
+        QJsonObject offer = urgentNews("o1", "Offer");
+        offer.insert("kind", "offer");
+        HostControl::addNewsEntry(offer);
+        QTRY_VERIFY(screen.item("o1").isValid());
+        QVERIFY(HostControl::events("toast").isEmpty());
+        HostControl::addNewsEntry(urgentNews("u1", "Outage"));
+        QTRY_COMPARE(HostControl::events("toast").size(), 1);
+        const QVariantMap toast = HostControl::events("toast").first().details;
+        QCOMPARE(toast.value("text").toString(), "<b>Outage</b><br/>Outage in short");
+        QCOMPARE(toast.value("slot").toString(), "1onToastClicked()");
+        // Clicking the toast brings the page up.
+        QVERIFY(QMetaObject::invokeMethod(screen.plugin.get(), "onToastClicked"));
+        QVERIFY(screen.plugin->isSelected());
+        HostControl::addNewsEntry(urgentNews("u2", "Update", "-2h"));
+        QTRY_VERIFY(screen.item("u2").isValid());
+        QCOMPARE(HostControl::events("toast").size(), 1);
+    }
+
+    void anEmptyListShowsTheEmptyPageUntilTheFirstEntry()
+    {
+        ConversationScreen screen;
+        connect(screen.plugin.get(), &CAbstractKolPlugin::showEmptyListWidgetRequest, screen.view,
+                [&screen](QWidget* widget) { widget->setParent(screen.view, Qt::Window); });
+        screen.plugin->onSyncViewRequest();
+        QTRY_VERIFY(!HostControl::events("showEmptyList").isEmpty());
+        QCOMPARE(screen.page(), int(EmptyListPage));
+        QVERIFY(HostControl::events("hideEmptyList").isEmpty());
+        HostControl::addNewsEntry(urgentNews("n1", "Sale"));
+        QTRY_COMPARE(screen.page(), int(EntryPage));
+        QVERIFY(!HostControl::events("hideEmptyList").isEmpty());
+    }
+
+    void theViewShowsOnlyTheEntry_data()
+    {
+        QTest::addColumn<QString>("body");
+        QTest::addColumn<QStringList>("opened");
+        QTest::addColumn<bool>("userClicks"); // at the page's top left corner
+        const auto later = [](const QString& script) {
+            return QStringLiteral("<script>setTimeout(function(){%1}, 100);</script>").arg(script);
+        };
+        QTest::newRow("script to a local file")
+            << later("location.href='file:///etc/hostname';") << QStringList() << false;
+        QTest::newRow("script to a site")
+            << later("location.href='https://example.org/';") << QStringList{"https://example.org/"} << false;
+        QTest::newRow("form") << "<form id='f' method='post' action='https://example.com/post'>"
+                                 "<input name='a' value='1'></form>" +
+                                     later("document.getElementById('f').submit();")
+                              << QStringList{"https://example.com/post"} << false;
+        QTest::newRow("new window") << "<a target='_blank' href='https://example.net/' style='position:fixed;"
+                                       "left:0;top:0;width:100px;height:100px;display:block'>x</a>"
+                                    << QStringList{"https://example.net/"} << true;
+        QTest::newRow("frames") << "<iframe src='file:///etc/hostname'></iframe>"
+                                   "<iframe src='https://example.com/'></iframe>"
+                                << QStringList() << false;
+    }
+    void theViewShowsOnlyTheEntry()
+    {
+        QFETCH(QString, body);
+        QFETCH(QStringList, opened);
+        QFETCH(bool, userClicks);
+        QWebEngineView view;
+        auto* page = new CNewsWebPage(&view);
+        view.setPage(page);
+        view.resize(400, 300);
+        view.show();
+        const QString sentinel =
+            QStringLiteral("<script>setTimeout(function(){location.href='%1';}, 1500);</script>")
+                .arg(kSentinel);
+        QSignalSpy loaded(page, &QWebEnginePage::loadFinished);
+        page->setHtml("<html><head><title>News entry</title></head><body>" + body + sentinel +
+                          "</body></html>",
+                      QUrl());
+        QVERIFY(loaded.wait(kLoadTimeoutMs));
+        if (userClicks) {
+            QVERIFY(QTest::qWaitFor([&] { return view.focusProxy(); }, kLoadTimeoutMs));
+            QTest::mouseClick(view.focusProxy(), Qt::LeftButton, Qt::NoModifier, QPoint(20, 20));
+        }
+        QVERIFY(QTest::qWaitFor([] { return openedLinks().contains(kSentinel); }, kLoadTimeoutMs));
+        QCOMPARE(openedLinks(), opened + QStringList{kSentinel});
+        QCOMPARE(page->url().scheme(), QStringLiteral("data"));
+        QCOMPARE(page->title(), QStringLiteral("News entry"));
     }
 };
 

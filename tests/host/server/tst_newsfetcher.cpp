@@ -4,7 +4,6 @@
 #include "SimulatedServer.h"
 
 #include <QSignalSpy>
-#include <QTest>
 
 namespace {
 

@@ -7,7 +7,6 @@
 #include <QJsonDocument>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTest>
 
 class TestScenarioCodec : public QObject
 {
@@ -51,6 +50,20 @@ private slots:
             << QByteArray(
                    R"({"conversations": [{"id": "c", "messages": [{"attachments": [{"fileName": "x.bin"}]}]}]})")
             << "/conversations/0/messages/0/attachments/0/generate";
+        const QList<std::pair<const char*, const char*>> more{
+            {"[1]", "/"},
+            {R"({"news": {}})", "/news"},
+            {R"({"news": [5]})", "/news/0"},
+            {R"({"news": [{"id": "a", "read": "yes"}]})", "/news/0/read"},
+            {R"({"news": [{"id": "a"}, {"id": "a"}]})", "/news/1/id"},
+            {R"({"news": [{"id": "a", "kind": "rumour"}]})", "/news/0/kind"},
+            {R"({"limits": {"messageLength": "long"}})", "/limits/messageLength"},
+            {R"({"states": [{"displayName": "Lost"}]})", "/states/0/key"},
+            {R"({"conversations": [{"id": "c", "state": "LOST"}]})", "/conversations/0/state"},
+            {R"({"conversations": [{"id": "c", "hasThread": false, "messages": [{}]}]})",
+             "/conversations/0/hasThread"}};
+        for (const auto& [json, path] : more)
+            QTest::newRow(path) << QByteArray(json) << QString::fromLatin1(path);
     }
 
     void wrongTypesNameTheJsonPath()
@@ -69,6 +82,8 @@ private slots:
         QVERIFY(
             HostControl::loadScenarioJson(R"({"news": [{"id": "keep"}]})", QStringLiteral("a.json"), &error));
         QVERIFY(!HostControl::loadScenarioJson(R"({"news": [{"id": 1}]})", QStringLiteral("b.json"), &error));
+        QVERIFY(!HostControl::loadScenarioFile(QStringLiteral("/no/such/scenario.json"), &error));
+        QVERIFY2(error.startsWith(QStringLiteral("/no/such/scenario.json: cannot open")), qPrintable(error));
         QVERIFY(SimulatedServer::instance().data().newsEntry(QStringLiteral("keep")));
     }
 

@@ -1,5 +1,6 @@
-// The simulated support server as the request handlers and service facades see it: sends stored or refused
-// with their status, limits, drafts, thread order and threads assigned later.
+// The simulated support server: its answers to requests of any shape (sends stored or refused with their
+// status and limits), scripted failures and latency, the control surface that changes its data, and as the
+// request handlers and service facades see it: drafts, thread order and threads assigned later.
 #include "ChatServiceApi.h"
 #include "CommunicationEntityUpdateHandler.h"
 #include "GeneratedConversation.h"
@@ -7,10 +8,11 @@
 #include "SimulatedServer.h"
 #include "TicketServiceApi.h"
 
+#include <QElapsedTimer>
 #include <QJsonArray>
+#include <QJsonDocument>
+#include <QNetworkReply>
 #include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QTest>
 
 namespace {
 
@@ -20,6 +22,7 @@ constexpr int kAttachmentLimit = 1000;
 constexpr int kMessagesInConvA = 3;
 
 const QByteArray kScenario = R"({
+  "news": [{"id": "n-pinned", "title": "Terms", "pinned": true}],
   "participants": [{"id": "s-anna", "firstName": "Anna", "lastName": "Keller", "nameColor": "#3366cc"}],
   "conversations": [
     {"id": "conv-a", "subject": "Printer", "agent": "s-anna", "created": "-3d",
@@ -47,6 +50,11 @@ bool waitFor(const QSignalSpy& spy)
     return QTest::qWaitFor([&] { return spy.count() == 1; }, kWaitMs);
 }
 
+QNetworkReply* request(const QByteArray& verb, const QString& path, const QByteArray& body = {})
+{
+    return SimulatedServer::instance().startRequest(verb, path, body);
+}
+
 int threadSize()
 {
     return HostControl::threadMessages(QStringLiteral("conv-a")).size();
@@ -67,61 +75,133 @@ private slots:
                  qPrintable(error));
     }
 
-    void sendIsStoredOrRefusedWithItsStatus_data()
+    void answersRequestsOfAnyShape_data()
     {
-        QTest::addColumn<QString>("thread");
-        QTest::addColumn<int>("textLength");
-        QTest::addColumn<QList<int>>("fileSizes");
-        QTest::addColumn<int>("status"); // 0: stored
-        QTest::newRow("unknown thread") << "nowhere" << 1 << QList<int>{} << 404;
-        QTest::newRow("closed conversation") << "conv-closed" << 1 << QList<int>{} << 409;
-        QTest::newRow("text above the limit") << "conv-a" << kMessageLengthLimit + 1 << QList<int>{} << 400;
-        QTest::newRow("one file above the limit") << "conv-a" << 1 << QList<int>{1500} << 413;
-        QTest::newRow("files summing above the limit") << "conv-a" << 1 << QList<int>{600, 600} << 413;
-        QTest::newRow("exactly the limits") << "conv-a" << kMessageLengthLimit << QList<int>{1000} << 0;
-        QTest::newRow("two small files") << "conv-a" << 1 << QList<int>{300, 400} << 0;
+        QTest::addColumn<QByteArray>("verb");
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QJsonObject>("body");
+        QTest::addColumn<int>("status");
+        const QJsonArray file{QJsonObject{{"fileName", "a.txt"}, {"data", "aGk="}}};
+        const QJsonArray exact{
+            QJsonObject{{"fileName", "a.bin"}, {"data", QString(QByteArray(1000, 'x').toBase64())}}};
+        const QJsonArray large{
+            QJsonObject{{"fileName", "a.bin"}, {"data", QString(QByteArray(1500, 'x').toBase64())}}};
+        const QJsonArray unreadable{QJsonObject{{"fileName", "a.txt"}, {"unreadable", true}}};
+        const auto row = [](const char* name, const char* verb, const char* path, const QJsonObject& body,
+                            int status) {
+            QTest::newRow(name) << QByteArray(verb) << QString(path) << body << status;
+        };
+        row("unknown verb", "PATCH", "/news", {}, 404);
+        row("unknown path", "GET", "/nowhere", {}, 404);
+        row("thread of nothing", "GET", "/threads/nowhere/communications", {}, 404);
+        row("unreadable upload", "POST", "/threads/conv-a/communications",
+            {{"text", "x"}, {"attachments", unreadable}}, 400);
+        row("edit of nothing", "PUT", "/communications/nope", {{"text", "x"}}, 404);
+        row("edit too long", "PUT", "/communications/m-mid", {{"text", "eleven char"}}, 400);
+        row("closed conversation", "POST", "/threads/conv-closed/communications", {{"text", "x"}}, 409);
+        row("draft in a closed conversation", "POST", "/threads/conv-closed/communications",
+            {{"text", "x"}, {"isDraft", true}}, 201);
+        row("text above the limit", "POST", "/threads/conv-a/communications", {{"text", "eleven char"}}, 400);
+        row("files above the limit", "POST", "/threads/conv-a/communications",
+            {{"text", "x"}, {"attachments", large}}, 413);
+        row("exactly the limits", "POST", "/threads/conv-a/communications",
+            {{"text", "ten chars!"}, {"attachments", exact}}, 201);
+        row("edit with a file", "PUT", "/communications/m-mid", {{"text", "x"}, {"attachments", file}}, 200);
+        row("draft sent", "PUT", "/communications/d-a",
+            {{"text", "sent"}, {"isDraft", false}, {"attachments", file}}, 200);
+        row("delete nothing", "DELETE", "/entities", {{"ids", QJsonArray{"nope"}}}, 404);
+        row("delete a message", "DELETE", "/entities", {{"ids", QJsonArray{"m-early"}}}, 200);
+        row("download of nothing", "GET", "/attachments/nope", {}, 404);
+        row("ticket without subject", "POST", "/tickets", {{"subject", " "}, {"message", "x"}}, 400);
+        row("ticket too long", "POST", "/tickets", {{"subject", "S"}, {"message", "eleven char"}}, 400);
+        row("ticket with a file", "POST", "/tickets",
+            {{"subject", "S"}, {"message", "x"}, {"attachments", file}}, 201);
+        row("unknown mark", "PUT", "/entries/conv-a/starred", {}, 400);
+        row("mark of nothing", "PUT", "/entries/nope/read", {}, 404);
+        row("pinned entry hidden", "PUT", "/entries/n-pinned/hidden", {}, 409);
+        row("conversation hidden", "PUT", "/entries/conv-a/hidden", {}, 200);
+        row("news list", "GET", "/news", {}, 200);
+        row("ticket list", "GET", "/tickets", {}, 200);
     }
 
-    void sendIsStoredOrRefusedWithItsStatus()
+    void answersRequestsOfAnyShape()
     {
-        QFETCH(QString, thread);
-        QFETCH(int, textLength);
-        QFETCH(QList<int>, fileSizes);
+        QFETCH(QByteArray, verb);
+        QFETCH(QString, path);
+        QFETCH(QJsonObject, body);
         QFETCH(int, status);
         HostControl::setMessageLengthLimit(kMessageLengthLimit);
         HostControl::setAttachmentSizeLimit(kAttachmentLimit);
-        QTemporaryDir dir;
-        QList<AttachmentEntity> files;
-        for (int i = 0; i < fileSizes.size(); ++i) {
-            QFile file(dir.filePath(QStringLiteral("file%1.bin").arg(i)));
-            QVERIFY(file.open(QIODevice::WriteOnly));
-            file.write(QByteArray(fileSizes.at(i), char('a' + i)));
-            files.append({QString(), file.fileName(), {}, {}});
-        }
-        auto* handler = ChatServiceApi::startCreateThreadMessage(
-            thread, QString(textLength, QLatin1Char('x')), files, false);
-        QSignalSpy errors(handler, &CAbstractRestApi::requestErrorOccured);
-        QSignalSpy finished(handler, &CAbstractRestApi::finished);
-        QVERIFY(waitFor(finished));
-        QCOMPARE(finished.first().first().toBool(), status == 0);
-        if (status != 0) {
-            QCOMPARE(errors.first().at(0).toInt(), status);
-            if (status == 413)
-                QCOMPARE(errors.first().at(2).toString(), QStringLiteral("Payload Too Large"));
-            QCOMPARE(threadSize(), kMessagesInConvA);
-            return;
-        }
-        QCOMPARE(threadSize(), kMessagesInConvA + 1);
-        const QJsonArray stored = HostControl::threadMessages(QStringLiteral("conv-a"))
-                                      .last()[QStringLiteral("attachments")]
-                                      .toArray();
-        QCOMPARE(stored.size(), fileSizes.size());
-        for (int i = 0; i < fileSizes.size(); ++i) {
-            QCOMPARE(QByteArray::fromBase64(stored.at(i)[QStringLiteral("data")].toString().toLatin1()),
-                     QByteArray(fileSizes.at(i), char('a' + i)));
-            QCOMPARE(stored.at(i)[QStringLiteral("fileName")].toString(),
-                     QStringLiteral("file%1.bin").arg(i));
-        }
+        const QJsonObject before = HostControl::serverSnapshot();
+        std::unique_ptr<QNetworkReply> reply(request(verb, path, QJsonDocument(body).toJson()));
+        QVERIFY(QTest::qWaitFor([&] { return reply->isFinished(); }, kWaitMs));
+        QCOMPARE(reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt(), status);
+        const QByteArray answer = reply->readAll();
+        // Refusals change nothing and say why; what changes data shows in the server's data.
+        QCOMPARE(reply->error() != QNetworkReply::NoError, status >= 400);
+        QCOMPARE(HostControl::serverSnapshot() == before, status >= 400 || verb == "GET");
+        if (status >= 400)
+            QCOMPARE(QJsonDocument::fromJson(answer).object().value("status").toInt(), status);
+        else
+            QVERIFY(!QJsonDocument::fromJson(answer).isNull());
+    }
+
+    void scriptedFailuresAndLatencyApplyToTheNextRequests()
+    {
+        HostControl::failNextRequest(QStringLiteral("/news"), 418, QString());
+        HostControl::failNextRequest(QString(), 502, QStringLiteral("Bad gateway"));
+        HostControl::setLatency(40);
+        QElapsedTimer clock;
+        clock.start();
+        std::unique_ptr<QNetworkReply> first(request("GET", "/tickets"));
+        std::unique_ptr<QNetworkReply> second(request("GET", "/tickets"));
+        std::unique_ptr<QNetworkReply> news(request("GET", "/news"));
+        QVERIFY(QTest::qWaitFor(
+            [&] { return first->isFinished() && second->isFinished() && news->isFinished(); }, kWaitMs));
+        QVERIFY(clock.elapsed() >= 40);
+        HostControl::setLatency(0);
+        QCOMPARE(first->error(), QNetworkReply::UnknownServerError);
+        QCOMPARE(first->errorString(), QStringLiteral("Bad gateway"));
+        QCOMPARE(second->error(), QNetworkReply::NoError);
+        QCOMPARE(news->error(), QNetworkReply::UnknownContentError);
+        QCOMPARE(news->errorString(), QStringLiteral("Request failed"));
+    }
+
+    void theControlSurfaceChangesTheData()
+    {
+        SimulatedServer& server = SimulatedServer::instance();
+        QSignalSpy participants(&server, &SimulatedServer::participantsChanged);
+        QSignalSpy sync(&server, &SimulatedServer::syncViewsRequested);
+        QSignalSpy lists(&server, &SimulatedServer::newsListChanged);
+        const QJsonObject before = HostControl::serverSnapshot();
+        // Objects the scenario format refuses change nothing.
+        HostControl::addNewsEntry({{"id", 5}});
+        HostControl::addConversation({{"id", "c-new"}, {"state", "LOST"}});
+        HostControl::addParticipant({{"id", "p"}, {"nameColor", "blurple"}});
+        QVERIFY(HostControl::postMessage("conv-a", "file without content", {}, {{{"fileName", "x.bin"}}})
+                    .isEmpty());
+        QCOMPARE(HostControl::serverSnapshot(), before);
+
+        const QString id =
+            HostControl::postMessage("conv-a", "with a log", {}, {{{"fileName", "log.txt"}, {"text", "hi"}}});
+        QVERIFY(!id.isEmpty());
+        const QJsonArray files = HostControl::threadMessages("conv-a").last().value("attachments").toArray();
+        QCOMPARE(files.size(), 1);
+        QCOMPARE(files.first()["fileName"].toString(), QStringLiteral("log.txt"));
+        QVERIFY(HostControl::postMessage("nowhere", "lost").isEmpty());
+        HostControl::renameParticipant("s-anna", "Ann", "Kay");
+        HostControl::renameParticipant("nobody", "No", "One");
+        HostControl::setConversationState("conv-a", "CLOSED");
+        HostControl::setConversationState("nowhere", "CLOSED");
+        HostControl::emitSyncViewsRequest();
+        QVERIFY(QTest::qWaitFor(
+            [&] { return !participants.isEmpty() && !sync.isEmpty() && !lists.isEmpty(); }, kWaitMs));
+        const QJsonObject after = HostControl::serverSnapshot();
+        QCOMPARE(after["participants"][0]["firstName"].toString(), QStringLiteral("Ann"));
+        QCOMPARE(after["conversations"][0]["state"].toString(), QStringLiteral("CLOSED"));
+        // Support's new message leaves the conversation unread.
+        QVERIFY(!HostControl::isNewsEntryRead("conv-a") && !HostControl::isNewsEntryHidden("conv-a"));
+        QVERIFY(!HostControl::isNewsEntryRead("nowhere") && !HostControl::isNewsEntryHidden("nowhere"));
     }
 
     void threadIsOldestFirstWithoutDraftsAndEditsReplaceTheirOlderVersion()
