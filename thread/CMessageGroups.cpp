@@ -48,28 +48,32 @@ QTextFrame* CMessageGroups::insertFrame(QTextDocument* document, const QTextCurs
     return frame;
 }
 
+// The group at one end of the thread, in the section at that end; a new group (and section) there when
+// those are full.
+QTextCursor CMessageGroups::cursorAt(QTextDocument* document, bool atEnd)
+{
+    const auto end = [atEnd](const QList<QTextFrame*>& frames) {
+        return frames.isEmpty() ? nullptr : atEnd ? frames.constLast() : frames.constFirst();
+    };
+    QTextFrame* section = end(document->rootFrame()->childFrames());
+    const QList<QTextFrame*> groups = section ? section->childFrames() : QList<QTextFrame*>();
+    QTextFrame* group = end(groups);
+    if (group && group->childFrames().size() < GroupSize)
+        return QTextCursor(atEnd ? lastBlockOf(group) : firstBlockOf(group));
+    if (!section || groups.size() >= SectionSize)
+        section = insertFrame(document, QTextCursor(atEnd ? document->lastBlock() : document->begin()));
+    group = insertFrame(document, QTextCursor(atEnd ? lastBlockOf(section) : firstBlockOf(section)));
+    return QTextCursor(firstBlockOf(group));
+}
+
 QTextCursor CMessageGroups::endCursor(QTextDocument* document)
 {
-    const QList<QTextFrame*> sections = document->rootFrame()->childFrames();
-    QTextFrame* section = sections.isEmpty() ? nullptr : sections.constLast();
-    const QList<QTextFrame*> groups = section ? section->childFrames() : QList<QTextFrame*>();
-    if (!groups.isEmpty() && groups.constLast()->childFrames().size() < GroupSize)
-        return QTextCursor(lastBlockOf(groups.constLast()));
-    if (!section || groups.size() >= SectionSize)
-        section = insertFrame(document, QTextCursor(document->lastBlock()));
-    return QTextCursor(firstBlockOf(insertFrame(document, QTextCursor(lastBlockOf(section)))));
+    return cursorAt(document, true);
 }
 
 QTextCursor CMessageGroups::startCursor(QTextDocument* document)
 {
-    const QList<QTextFrame*> sections = document->rootFrame()->childFrames();
-    QTextFrame* section = sections.isEmpty() ? nullptr : sections.constFirst();
-    const QList<QTextFrame*> groups = section ? section->childFrames() : QList<QTextFrame*>();
-    if (!groups.isEmpty() && groups.constFirst()->childFrames().size() < GroupSize)
-        return QTextCursor(firstBlockOf(groups.constFirst()));
-    if (!section || groups.size() >= SectionSize)
-        section = insertFrame(document, QTextCursor(document->begin()));
-    return QTextCursor(firstBlockOf(insertFrame(document, QTextCursor(firstBlockOf(section)))));
+    return cursorAt(document, false);
 }
 
 QList<QTextTable*> CMessageGroups::tablesOf(const QTextFrame* group)

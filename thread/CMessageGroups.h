@@ -31,6 +31,7 @@ public:
     static qsizetype messageCount(const QTextDocument* document);
 
 private:
+    static QTextCursor cursorAt(QTextDocument* document, bool atEnd);
     static QTextFrame* insertFrame(QTextDocument* document, const QTextCursor& at);
     static QList<QTextTable*> tablesOf(const QTextFrame* group);
 };

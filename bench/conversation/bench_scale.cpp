@@ -426,6 +426,21 @@ void reportOps()
 
 // --- open ----------------------------------------------------------------------------------------------
 
+// Puts generated conversations (id and number of messages) on the server and waits until the list has them.
+void addGenerated(const QList<std::pair<QString, int>>& conversations, quint32 seed)
+{
+    for (const auto& [id, messages] : conversations)
+        HostControl::addConversation(GeneratedConversation::make(id, messages, seed));
+    const PluginScreen probe(QSize(900, 700));
+    (void)QTest::qWaitFor(
+        [&] {
+            return std::all_of(
+                conversations.cbegin(), conversations.cend(),
+                [&probe](const auto& conversation) { return probe.item(conversation.first).isValid(); });
+        },
+        60000);
+}
+
 qint64 openThroughPlugin(const QString& key, int messages)
 {
     PluginScreen screen(QSize(900, 700));
@@ -457,12 +472,7 @@ void measureOpen()
     constexpr int kRuns = 5;
     const QString small = QStringLiteral("open-%1").arg(kSmall);
     const QString large = QStringLiteral("open-%1").arg(kLarge);
-    HostControl::addConversation(GeneratedConversation::make(small, kSmall, 7));
-    HostControl::addConversation(GeneratedConversation::make(large, kLarge, 7));
-    {
-        const PluginScreen probe(QSize(900, 700));
-        (void)QTest::qWaitFor([&] { return probe.item(large).isValid(); }, 60000);
-    }
+    addGenerated({{small, kSmall}, {large, kLarge}}, 7);
     // The server makes each conversation's attachment files when it is first asked for it.
     openThroughPlugin(small, kSmall);
     openThroughPlugin(large, kLarge);
@@ -530,12 +540,7 @@ void measureOlder()
     constexpr int kLarge = 10000;
     const QString small = QStringLiteral("older-%1").arg(kSmall);
     const QString large = QStringLiteral("older-%1").arg(kLarge);
-    HostControl::addConversation(GeneratedConversation::make(small, kSmall, 11));
-    HostControl::addConversation(GeneratedConversation::make(large, kLarge, 11));
-    {
-        const PluginScreen probe(QSize(900, 700));
-        (void)QTest::qWaitFor([&] { return probe.item(large).isValid(); }, 60000);
-    }
+    addGenerated({{small, kSmall}, {large, kLarge}}, 11);
     const Portions base = scrollToOldest(small, kSmall);
     const Portions mine = scrollToOldest(large, kLarge);
     row(QStringLiteral("older portion coming in, median"), kLarge, ms(double(median(mine.times))),
