@@ -134,6 +134,8 @@ QPixmap TextImageHandler::pixmap(QTextDocument* doc, const QTextImageFormat& for
         if (loaded.isNull())
             return QPixmap(fallbackImageName());
         result = QPixmap::fromImage(loaded);
+        // Kept with its pixel ratio: a picture found only as "@2x" is measured at its own size later too.
+        result.setDevicePixelRatio(d.sourceDevicePixelRatio);
         doc->addResource(QTextDocument::ImageResource, d.url, result);
     }
     if (d.sourceDevicePixelRatio != 1.0)
@@ -159,6 +161,7 @@ QImage TextImageHandler::image(QTextDocument* doc, const QTextImageFormat& forma
         result = CResourceGuard::readImage(d.fileName);
         if (result.isNull())
             return QImage(fallbackImageName());
+        result.setDevicePixelRatio(d.sourceDevicePixelRatio);
         doc->addResource(QTextDocument::ImageResource, d.url, result);
     }
     if (d.sourceDevicePixelRatio != 1.0)

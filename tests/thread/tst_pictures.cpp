@@ -211,14 +211,18 @@ private slots:
             QTest::newRow(name) << source << width << height << ratio << offThread << size << drawn;
         };
         for (bool off : {false, true}) {
-            const char* const names[] = {"file", "width given", "height given", "2x screen", "data"};
-            const QString sources[] = {"pic.png", "pic.png", "pic.png", "hi.png", "png"};
-            const QSizeF sizes[] = {{20, 10}, {10, 5}, {40, 20}, {10, 10}, {20, 10}};
-            const int widths[] = {0, 10, 0, 10, 0}, heights[] = {0, 0, 20, 10, 0};
-            for (int i = 0; i < 5; ++i)
+            // A picture found only as "@2x" keeps its own size when it is measured later at 1x.
+            const char* const names[] = {"file",      "width given", "height given",
+                                         "2x screen", "data",        "2x screen, its own size"};
+            const QString sources[] = {"pic.png", "pic.png", "pic.png", "hi.png", "png", "hi.png"};
+            const QSizeF sizes[] = {{20, 10}, {10, 5}, {40, 20}, {10, 10}, {20, 10}, {20, 10}};
+            const int widths[] = {0, 10, 0, 10, 0, 0}, heights[] = {0, 0, 20, 10, 0, 0};
+            for (int i = 0; i < 6; ++i) {
+                const bool high = sources[i] == QLatin1String("hi.png");
                 row(qPrintable(QStringLiteral("%1%2").arg(names[i], off ? ", off the main thread" : "")),
-                    sources[i], widths[i], heights[i], i == 3 ? 2.0 : 1.0, off, sizes[i],
-                    i == 3 ? QColor(Qt::blue) : QColor(Qt::red));
+                    sources[i], widths[i], heights[i], high ? 2.0 : 1.0, off, sizes[i],
+                    high ? QColor(Qt::blue) : QColor(Qt::red));
+            }
         }
         row("resource file", TextImageHandler::fallbackImageName(), 0, 0, 1.0, false, {16, 16}, {});
         row("missing file off the main thread", "nothing.png", 10, 10, 1.0, true, {10, 10}, {});
