@@ -99,6 +99,21 @@ private slots:
         QCOMPARE(iconName(doc.findAttachmentIconBlock("a1")), QStringLiteral("pdf"));
         QVERIFY(iconHref(doc.findAttachmentIconBlock("a1")).isEmpty());
 
+        // A message shown without being registered (a conversation's opening message has no id of its own)
+        // shows a download's progress too, until it goes.
+        CIncidentCommunication opening = message({attachment("a4", "d.pdf")});
+        opening.id.clear();
+        const CMessageItemIndex unregistered = doc.insertMessage(opening, doc.endCursor(), false);
+        doc.setAttachProgress("a4", 40);
+        const QTextBlock tile = doc.findAttachmentIconBlock("a4");
+        QVERIFY(tile.isValid());
+        QCOMPARE(iconName(tile), QStringLiteral("progress40-cancellable"));
+        QVERIFY(doc.attachmentRect("a4").isValid());
+        doc.removeMessage(unregistered);
+        doc.setAttachProgress("a4", 60);
+        QVERIFY(!doc.findAttachmentIconBlock("a4").isValid());
+        QVERIFY(!doc.attachmentRect("a4").isValid());
+
         QCOMPARE(doc.makeProgressImage(50, "c.pdf", false), QStringLiteral("progress50-pdf"));
         QCOMPARE(doc.makeProgressImage(120, "c.pdf", false), QStringLiteral("pdf"));
     }
