@@ -76,34 +76,31 @@ QTextCursor CMessageGroups::startCursor(QTextDocument* document)
     return cursorAt(document, false);
 }
 
-QList<QTextTable*> CMessageGroups::tablesOf(const QTextFrame* group)
+QList<QTextFrame*> CMessageGroups::groups(const QTextDocument* document)
 {
-    QList<QTextTable*> tables;
-    for (QTextFrame* child : group->childFrames()) {
-        if (auto* table = qobject_cast<QTextTable*>(child))
-            tables.append(table);
-    }
-    return tables;
+    QList<QTextFrame*> groups;
+    for (QTextFrame* section : document->rootFrame()->childFrames())
+        groups += section->childFrames();
+    return groups;
 }
 
 QList<QTextTable*> CMessageGroups::messages(const QTextDocument* document)
 {
     QList<QTextTable*> tables;
-    for (QTextFrame* section : document->rootFrame()->childFrames()) {
-        for (QTextFrame* group : section->childFrames())
-            tables += tablesOf(group);
+    for (QTextFrame* group : groups(document)) {
+        for (QTextFrame* child : group->childFrames()) {
+            if (auto* table = qobject_cast<QTextTable*>(child))
+                tables.append(table);
+        }
     }
     return tables;
 }
 
 QTextTable* CMessageGroups::firstMessage(const QTextDocument* document)
 {
-    for (QTextFrame* section : document->rootFrame()->childFrames()) {
-        for (QTextFrame* group : section->childFrames()) {
-            const QList<QTextTable*> tables = tablesOf(group);
-            if (!tables.isEmpty())
-                return tables.constFirst();
-        }
+    for (QTextFrame* group : groups(document)) {
+        if (!group->childFrames().isEmpty())
+            return qobject_cast<QTextTable*>(group->childFrames().constFirst());
     }
     return nullptr;
 }
@@ -111,9 +108,7 @@ QTextTable* CMessageGroups::firstMessage(const QTextDocument* document)
 qsizetype CMessageGroups::messageCount(const QTextDocument* document)
 {
     qsizetype count = 0;
-    for (QTextFrame* section : document->rootFrame()->childFrames()) {
-        for (QTextFrame* group : section->childFrames())
-            count += group->childFrames().size();
-    }
+    for (QTextFrame* group : groups(document))
+        count += group->childFrames().size();
     return count;
 }

@@ -33,5 +33,6 @@ public:
 private:
     static QTextCursor cursorAt(QTextDocument* document, bool atEnd);
     static QTextFrame* insertFrame(QTextDocument* document, const QTextCursor& at);
-    static QList<QTextTable*> tablesOf(const QTextFrame* group);
+    // Every group, in order.
+    static QList<QTextFrame*> groups(const QTextDocument* document);
 };

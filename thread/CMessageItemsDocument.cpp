@@ -486,7 +486,7 @@ void CMessageItemsDocument::insertFooter(QTextCursor& cursor, const CIncidentCom
     }
     if (!message.fromOtherParty) {
         cursor.insertText(QStringLiteral("  "), charFormat);
-        insertDeliveryStatus(cursor, Delivered);
+        cursor.insertImage(deliveryImage(Delivered));
         cursor.block().setUserData(new CBlockIdentification(CBlockIdentification::MessageFooter, {}));
     }
 }
@@ -669,11 +669,6 @@ void CMessageItemsDocument::writeNotSentNote(QTextCursor& cursor, const QTextBlo
         cursor.insertText(QObject::tr("Send again"), anchor);
     }
     cursor.insertText(QString(QChar::LineSeparator), smallSecondaryFormat());
-}
-
-void CMessageItemsDocument::insertDeliveryStatus(QTextCursor& cursor, DeliveryStatus status)
-{
-    cursor.insertImage(deliveryImage(status));
 }
 
 QTextImageFormat CMessageItemsDocument::deliveryImage(DeliveryStatus status)

@@ -115,7 +115,6 @@ private:
     void setDeliveryStatusForFrame(QTextTable* table, DeliveryStatus status,
                                    const QString& sendAgainLink = QString());
     void writeNotSentNote(QTextCursor& cursor, const QTextBlock& footer, bool failed, const QString& link);
-    void insertDeliveryStatus(QTextCursor& cursor, DeliveryStatus status);
     static QTextImageFormat deliveryImage(DeliveryStatus status);
     QString makeProgressImage(int percent, const QString& fileName, bool cancellable);
     bool hasImage(const QString& name) const;

@@ -69,6 +69,5 @@ CMessageItemIndex CMessageRegister::holderOf(const QString& attachmentId) const
     const auto holder = m_attachments.constFind(attachmentId);
     if (holder != m_attachments.cend())
         return m_messages.value(*holder);
-    const CMessageItemIndex unregistered = m_unregistered.value(attachmentId);
-    return unregistered.isValid() ? unregistered : CMessageItemIndex();
+    return m_unregistered.value(attachmentId);
 }

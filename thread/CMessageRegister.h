@@ -30,9 +30,8 @@ public:
     // A registered version of `message` older than it, or an invalid index.
     CMessageItemIndex olderVersion(const CIncidentCommunication& message) const;
 
-    // Whether a message shown carries the attachment, and which one (the newest registered, else the one
-    // shown unregistered).
-    bool holdsAttachment(const QString& attachmentId) const { return holderOf(attachmentId).isValid(); }
+    // The message shown that carries the attachment (the newest registered, else the one shown
+    // unregistered), or an invalid index.
     CMessageItemIndex holderOf(const QString& attachmentId) const;
 
 private:
